@@ -1,0 +1,26 @@
+# What every target of this tree is compiled with. Hosts outside the tree get none of it.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+option(MAILENGINE_WERROR "Make warnings errors" OFF)
+option(MAILENGINE_SANITIZE "Build with the address and undefined behaviour sanitizers" OFF)
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion)
+add_compile_definitions(_GNU_SOURCE)  # memmem, fallocate, O_CLOEXEC; clang and g++ agree on what libc shows
+if(MAILENGINE_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # A unique symbol would pin the shared library in memory: dlclose has to unload it.
+  add_compile_options(-fno-gnu-unique)
+endif()
+if(MAILENGINE_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
