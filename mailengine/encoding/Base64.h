@@ -12,7 +12,8 @@ public:
     // what progress counts against; no buffer is sized by it.
     static unsigned int CalcEnecodedSize(unsigned int size);
 
-    // Appends the encoded form of size bytes to text, without line ends. size 0 appends nothing. Always 1.
+    // Appends the encoded form of size bytes to text, without line ends. size 0 appends nothing. data must not
+    // lie inside text. Always 1.
     static int Encode(const unsigned char* data, unsigned int size, CString& text);
 
     // Decodes text into buffer, of capacity bytes, owned by the caller; no NUL is added. CR and LF between groups are
@@ -21,4 +22,7 @@ public:
     // 0: buffer is null, capacity is below the length of text (nothing is written), or fewer than 3 bytes are left for
     // the next character (the buffer holds what was decoded); written is then 0.
     static int Decode(const CString& text, unsigned char* buffer, unsigned int capacity, unsigned int& written);
+
+private:
+    static const char* const base64Table;
 };

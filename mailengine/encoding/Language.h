@@ -21,14 +21,15 @@ public:
     // Converts len bytes of Shift-JIS to ISO-2022-JP and appends the result to out, which keeps its bytes in front.
     // Half-width kana become full-width ones, joined with a voiced mark behind them; a character that JIS X 0208
     // cannot hold is dropped. The text ends in single-byte mode, and so does every line of it (RFC 1468). src must be
-    // readable up to one byte behind len: that byte is taken for a trail byte or a voiced mark.
+    // readable up to one byte behind len: that byte is taken for a trail byte or a voiced mark. src must not lie
+    // inside out.
     static void SJIS_JIS(const char* src, unsigned int len, CString& out);
     // Converts len bytes of ISO-2022-JP to Shift-JIS, which replaces out; never more bytes than len. Text without an
     // escape sequence passes unchanged. out ends at the first NUL of the result, so a broken pair cuts the text. A
-    // null src leaves out untouched.
+    // null src leaves out untouched. src may lie inside out.
     static void JIS_SJIS(const char* src, unsigned int len, CString& out);
     // Replaces out by the longest head of the len bytes at src that fits maxLen bytes and splits no character. Where
-    // maxLen is at least len, out becomes the text at src up to its NUL.
+    // maxLen is at least len, out becomes the text at src up to its NUL. src may lie inside out.
     static void CutSJIS(const char* src, unsigned int len, unsigned int maxLen, CString& out);
 
     // Decodes percent-hex text, "%41" (RFC 2231 4), into buffer, of capacity bytes, owned by the caller; no NUL is
@@ -46,4 +47,12 @@ protected:
     // two NUL bytes.
     static void ConvKanji_SJIS_JIS(char c1, char c2, char& o1, char& o2);
     static void ConvKanji_JIS_SJIS(char c1, char c2, char& o1, char& o2);
+
+private:
+    // Full-width characters from 0xA1, and joined with a voiced mark from 0xB6 and 0xCA, with a semi-voiced one from
+    // 0xCA. A cell is a lead byte and a trail byte in memory; a zero cell ends each table.
+    static const short* const kanaTable;
+    static const short* const dakutenKanaTable1;
+    static const short* const dakutenKanaTable2;
+    static const short* const handakutenKanaTable;
 };

@@ -1,0 +1,313 @@
+// CLanguage: worked bytes of both directions, half-width kana, cuts, and both conversions against their rules written
+// out one by one.
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <mailengine/encoding/Language.h>
+#include <mailengine/support/platform/Characters.h>
+
+namespace {
+
+using Bytes = std::string;
+
+unsigned int SizeOf(const Bytes& text) {
+    return static_cast<unsigned int>(text.size());
+}
+
+Bytes ToJis(const Bytes& text, const Bytes& front = "") {
+    CString out{std::string_view(front)};
+    CLanguage::SJIS_JIS(text.c_str(), SizeOf(text), out);
+    return Bytes(out.View());
+}
+
+Bytes ToShiftJis(const Bytes& text) {
+    CString out("old");
+    CLanguage::JIS_SJIS(text.data(), SizeOf(text), out);
+    return Bytes(out.View());
+}
+
+struct Protected : CLanguage {
+    using CLanguage::ConvHanKana_ZenKana;
+    using CLanguage::ConvKanji_JIS_SJIS;
+    using CLanguage::ConvKanji_SJIS_JIS;
+};
+
+Bytes KanjiToJis(char lead, char trail) {
+    Bytes pair(2, '?');
+    Protected::ConvKanji_SJIS_JIS(lead, trail, pair[0], pair[1]);
+    return pair;
+}
+
+Bytes KanjiToShiftJis(char row, char cell) {
+    Bytes pair(2, '?');
+    Protected::ConvKanji_JIS_SJIS(row, cell, pair[0], pair[1]);
+    return pair;
+}
+
+// The rules of both conversions, one after the other and one byte at a time.
+
+bool IsDouble(char c) {
+    return CLanguage::IsJSjisKanji(c) || CLanguage::IsHankakuKana(c);
+}
+
+Bytes LiteralToJis(const Bytes& text, Bytes out) {
+    enum { Start, Single, Double } state = Start;
+    for (std::size_t at = 0; at < text.size();) {
+        const char* const src = text.c_str() + at;
+        if (!IsDouble(*src)) {
+            if (state == Double || (state == Start && !out.empty())) out += "\x1b(B";
+            state = Single;
+            out += *src;
+            ++at;
+            continue;
+        }
+        if (state != Double) out += "\x1b$B";
+        state = Double;
+        char wide[3] = {src[0], src[1], 0};
+        at += CLanguage::IsJSjisKanji(*src) ? 2 : Protected::ConvHanKana_ZenKana(src, wide);
+        if (const Bytes pair = KanjiToJis(wide[0], wide[1]); pair != Bytes(2, '\0')) out += pair;
+    }
+    return state == Single ? out : out + "\x1b(B";
+}
+
+Bytes LiteralToShiftJis(const Bytes& text) {
+    bool plain = true, e = false, p = false, d = false, kanji = false, half = false;
+    Bytes out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == 0x1B) {
+            e = true;
+            plain = false;
+        } else if (plain) {
+            out += c;
+        } else if (e && c == '(') {
+            p = true;
+            e = false;
+        } else if (e && c == '$') {
+            d = true;
+            e = false;
+        } else if (p && (c == 'B' || c == 'J' || c == 'H' || c == 'I')) {
+            kanji = p = false;
+        } else if (d && (c == '@' || c == 'B')) {
+            kanji = true;
+            d = false;
+        } else {
+            e = p = d = false;
+            if (!kanji) out += c;
+            if (kanji && half) out += KanjiToShiftJis(text[i - 1], c);
+            if (kanji) half = !half;
+        }
+    }
+    return Bytes(out.c_str());
+}
+
+// A text of random length whose bytes come from the alphabet.
+Bytes RandomText(std::mt19937& random, const Bytes& alphabet, std::size_t length) {
+    Bytes text(length, '\0');
+    for (char& c : text)
+        c = alphabet[random() % alphabet.size()];
+    return text;
+}
+
+Bytes EveryByte() {
+    Bytes all;
+    for (int byte = 0; byte < 256; ++byte)
+        all += static_cast<char>(byte);
+    return all;
+}
+
+// Runs check over random texts of each alphabet: every short length, and some longer than any buffer inside.
+template <class Check>
+void OnRandomTexts(const std::vector<Bytes>& alphabets, Check check) {
+    std::mt19937 random(20030401);
+    for (const Bytes& alphabet : alphabets) {
+        for (std::size_t length = 0; length <= 300; ++length)
+            for (int round = 0; round < 4; ++round)
+                check(RandomText(random, alphabet, length));
+        for (int round = 0; round < 5; ++round)
+            check(RandomText(random, alphabet, 3000 + random() % 40000));
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+struct Case {
+    const char* name;
+    Bytes from;
+    Bytes to;
+};
+
+Bytes Literal(std::string_view bytes) {
+    return Bytes(bytes);
+}
+using namespace std::string_view_literals;
+
+// Texts that come back as they were.
+const Case kBothWays[] = {
+    {"a, あ, b",
+     "a\x82\xA0"
+     "b",
+     "a\x1b$B$\"\x1b(Bb"},
+    {"begins in double-byte mode", "\x82\xA0", "\x1b$B$\"\x1b(B"},
+    {"leaves double-byte mode at each line end", "\x82\xA0\r\n\x82\xA0", "\x1b$B$\"\x1b(B\r\n\x1b$B$\"\x1b(B"},
+    {"single bytes that are no ASCII", "\x80\xA0\xFD", "\x80\xA0\xFD"},
+    {"first and last row and cell, and the cell behind the gap", "\x81\x40\xEF\xFC\x81\x80", "\x1b$B!!~~!`\x1b(B"},
+};
+
+const Case kToJis[] = {
+    {"empty", "", "\x1b(B"},
+    {"half-width ka takes its voiced mark", "\xB6\xDE", "\x1b$B%,\x1b(B"},
+    {"half-width ha takes the semi-voiced mark", "\xCA\xDF", "\x1b$B%Q\x1b(B"},
+    {"a takes no voiced mark", "\xB1\xDE", "\x1b$B%\"!+\x1b(B"},
+    {"ka takes no semi-voiced mark", "\xB6\xDF", "\x1b$B%+!,\x1b(B"},
+    {"na takes no voiced mark", "\xC5\xDE", "\x1b$B%J!+\x1b(B"},
+    {"u and a voiced mark stay two", "\xB3\xDE", "\x1b$B%&!+\x1b(B"},
+    {"voiced mark alone", "\xDE", "\x1b$B!+\x1b(B"},
+    {"semi-voiced mark alone", "\xDF", "\x1b$B!,\x1b(B"},
+    {"lead byte at the end is an empty run", "a\x82", "a\x1b$B\x1b(B"},
+    {"a bad trail byte goes with its lead byte", "\x82 b", "\x1b$B\x1b(Bb"},
+    {"rows that the wire does not have pass", "\xF0\x40\xFC\xFC", "\x1b$B\x7F!\x98~\x1b(B"},
+};
+
+const Case kToShiftJis[] = {
+    {"empty", "", ""},
+    {"raw Shift-JIS without an escape", "\x82\xA0 a", "\x82\xA0 a"},
+    {"no way back to single-byte mode", "\x1b$B$\"", "\x82\xA0"},
+    {"the set of 1978", "\x1b$@$\"", "\x82\xA0"},
+    {"Roman and its old final byte", "\x1b(Ja\x1b(Hb", "ab"},
+    {"7-bit kana stay", "\x1b(I1", "1"},
+    {"unknown escape loses its ESC", "\x1bXab", "Xab"},
+    {"unknown ESC ( loses both", "\x1b(Xa", "Xa"},
+    {"unknown ESC $ ( loses two", "\x1b$(Da", "(Da"},
+    {"ESC at the end", "a\x1b", "a"},
+    {"ESC ( at the end", "a\x1b(", "a"},
+    {"a line end inside a double-byte run cuts the text", "\x1b$B$\"\r\n$\"\x1b(Bx", "\x82\xA0"},
+    {"odd run", "\x1b$B$\x1b(Bab", "ab"},
+    {"odd run, the next one out of step", "\x1b$B$\x1b(Ba\x1b$B!!!", "a\x91\x9F\x81\x40"},
+    {"NUL", Literal("a\0b"sv), "a"},
+};
+
+void Check(const Case& one, Bytes (*convert)(const Bytes&), const Bytes& from, const Bytes& to) {
+    EXPECT_EQ(testing::PrintToString(convert(from)), testing::PrintToString(to)) << one.name;
+}
+
+Bytes ToJisPlain(const Bytes& text) {
+    return ToJis(text);
+}
+
+TEST(Conversion, WorkedBytes) {
+    for (const Case& one : kBothWays) {
+        Check(one, ToJisPlain, one.from, one.to);
+        Check(one, ToShiftJis, one.to, one.from);
+    }
+    for (const Case& one : kToJis)
+        Check(one, ToJisPlain, one.from, one.to);
+    for (const Case& one : kToShiftJis)
+        Check(one, ToShiftJis, one.from, one.to);
+}
+
+TEST(Conversion, AppendsToTheTextInFront) {
+    EXPECT_EQ(ToJis("a", "old"), "old\x1b(Ba");
+    EXPECT_EQ(ToJis("\x82\xA0", "old"), "old\x1b$B$\"\x1b(B");
+    EXPECT_EQ(ToJis("", "old"), "old\x1b(B");
+}
+
+TEST(Conversion, TakesTheByteBehindTheText) {
+    CString out;
+    CLanguage::SJIS_JIS("\x82\xA0", 1, out);
+    CLanguage::SJIS_JIS("\xB6\xDE", 1, out);
+    EXPECT_EQ(out, "\x1b$B$\"\x1b(B\x1b$B%,\x1b(B");
+}
+
+TEST(Conversion, ReplacesItsOwnSource) {
+    CString text("\x1b$B$\"\x1b(B");
+    CLanguage::JIS_SJIS(text, static_cast<unsigned int>(text.GetLength()), text);
+    EXPECT_EQ(text, "\x82\xA0");
+    CLanguage::CutSJIS(text, 2, 1, text);
+    EXPECT_EQ(text, "");
+    text = "kept";
+    CLanguage::JIS_SJIS(nullptr, 7, text);
+    EXPECT_EQ(text, "kept");
+}
+
+TEST(Conversion, ShiftJisToJisFollowsItsRules) {
+    const std::vector<Bytes> alphabets{EveryByte(), "\x82\xA0\x81\x83\x93\xFA", "\xB6\xCA\xDE\xDF\xB1\x83\x41",
+                                       "a \r\n\x82\xA0\xB6\xDE", "\x82\x9F\xFC\x40\x7F"};
+    OnRandomTexts(alphabets, [](const Bytes& text) {
+        ASSERT_EQ(ToJis(text), LiteralToJis(text, ""));
+        ASSERT_EQ(ToJis(text, "x"), LiteralToJis(text, "x"));
+    });
+}
+
+TEST(Conversion, JisToShiftJisFollowsItsRules) {
+    const std::vector<Bytes> alphabets{EveryByte(),   "\x1b$B$\"%+",   "\x1b(J$@BHI1a",
+                                       "\x1b$B(ab!~", "\x1b$B!\x7F ~", "abcdefghijklmnopqrstuvwxyz"};
+    OnRandomTexts(alphabets, [](const Bytes& text) {
+        ASSERT_EQ(ToShiftJis(text), LiteralToShiftJis(text));
+        const Bytes kanji = "\x1b$B" + text;
+        ASSERT_EQ(ToShiftJis(kanji), LiteralToShiftJis(kanji));
+    });
+}
+
+TEST(Conversion, EveryCharacterOfTheWireComesBack) {
+    int valid = 0;
+    for (int first = 0; first < 256; ++first)
+        for (int second = 0; second < 256; ++second) {
+            const char row = static_cast<char>(first), cell = static_cast<char>(second);
+            const Bytes pair = KanjiToShiftJis(row, cell);
+            if (pair == Bytes(2, '\0')) continue;
+            ++valid;
+            ASSERT_EQ(KanjiToJis(pair[0], pair[1]), Bytes({row, cell}));
+        }
+    EXPECT_EQ(valid, 94 * 94);
+}
+
+// Golden: the kana in the order of JIS X 0201, the marks at the end, as full-width characters in the order of the wire.
+TEST(Conversion, KanaStandAloneAndJoin) {
+    EXPECT_EQ(ToJis("\xA1\xA2\xA3\xA4\xA5\xA6\xA7\xA8\xA9\xAA\xAB\xAC\xAD\xAE\xAF\xB0\xB1\xB2\xB3\xB4\xB5\xB6\xB7\xB8"
+                    "\xB9\xBA\xBB\xBC\xBD\xBE\xBF\xC0\xC1\xC2\xC3\xC4\xC5\xC6\xC7\xC8\xC9\xCA\xCB\xCC\xCD\xCE\xCF\xD0"
+                    "\xD1\xD2\xD3\xD4\xD5\xD6\xD7\xD8\xD9\xDA\xDB\xDC\xDD\xDE\xDF"),
+              "\x1b$B!#!V!W!\"!&%r%!%#%%%'%)%c%e%g%C!<%\"%$%&%(%*%+%-%/%1%3%5%7%9%;%=%?%A%D%F%H%J%K%L%M%N%O%R%U%X%[%^"
+              "%_%`%a%b%d%f%h%i%j%k%l%m%o%s!+!,\x1b(B");
+    EXPECT_EQ(ToJis("\xB6\xDE\xB7\xDE\xB8\xDE\xB9\xDE\xBA\xDE\xBB\xDE\xBC\xDE\xBD\xDE\xBE\xDE\xBF\xDE\xC0\xDE\xC1\xDE"
+                    "\xC2\xDE\xC3\xDE\xC4\xDE\xCA\xDE\xCB\xDE\xCC\xDE\xCD\xDE\xCE\xDE\xCA\xDF\xCB\xDF\xCC\xDF\xCD\xDF"
+                    "\xCE\xDF"),
+              "\x1b$B%,%.%0%2%4%6%8%:%<%>%@%B%E%G%I%P%S%V%Y%\\%Q%T%W%Z%]\x1b(B");
+}
+
+TEST(Conversion, CutsBetweenCharacters) {
+    const struct {
+        const char* text;
+        unsigned int length, most;
+        const char* head;
+    } cases[] = {
+        {"\x82\xA0\x82\xA2\x82\xA4", 6, 5, "\x82\xA0\x82\xA2"},  // あいう
+        {"\x82\xA0\x82\xA2\x82\xA4", 6, 1, ""},
+        {"\x82\xA0\x82\xA2\x82\xA4", 6, 0, ""},
+        {"\x82\xA0\x82\xA2\x82\xA4", 6, 6, "\x82\xA0\x82\xA2\x82\xA4"},
+        {"\x82\xA0\x82\xA2\x82\xA4", 2, 2, "\x82\xA0\x82\xA2\x82\xA4"},  // the whole text, behind len too
+        {"\xB6\xDE\xB6\xDE", 4, 3, "\xB6\xDE\xB6"},
+    };
+    for (const auto& one : cases) {
+        CString out("old");
+        CLanguage::CutSJIS(one.text, one.length, one.most, out);
+        EXPECT_EQ(out, one.head) << one.most;
+    }
+}
+
+TEST(Conversion, TellsJapaneseByItsBytes) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const bool lead = (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
+        const bool kana = byte >= 0xA1 && byte <= 0xDF;
+        const Bytes text{'a', static_cast<char>(byte)};
+        EXPECT_EQ(CLanguage::IsJSjisKanji(text[1]) != 0, lead) << byte;
+        EXPECT_EQ(CLanguage::IsHankakuKana(text[1]) != 0, kana) << byte;
+        EXPECT_EQ(CLanguage::IsJapanese(CString(std::string_view(text))), lead || kana) << byte;
+    }
+    EXPECT_EQ(CLanguage::IsJapanese(""), 0);
+}
+
+}  // namespace
