@@ -1,5 +1,5 @@
-// The handle types of the window system, each opaque to this library.
+// A handle type of the window system that this library only passes on.
 #pragma once
 
-using HICON = struct HICON__*;
-using HWND = struct HWND__*;
+// An icon; opaque, null for none.
+using HICON = struct IconHandle*;
