@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include <mailengine/support/platform/Characters.h>
@@ -10,6 +11,11 @@ constexpr std::size_t kNone = std::string_view::npos;
 // Up to this length a needle is compared at each place where its first byte stands; a longer one goes to
 // memmem, whose cost does not grow with the product of both lengths.
 constexpr std::size_t kShortNeedle = 16;
+
+// The search looks through windows that double from 256 bytes to 64 KiB and asks for a NUL only in what it passed:
+// so a match or a NUL close by costs no look at the rest of a long text.
+constexpr std::size_t kFirstWindow = 256;
+constexpr std::size_t kLargestWindow = 65536;
 
 unsigned char ByteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
@@ -67,6 +73,20 @@ std::size_t FindText(std::string_view text, std::string_view needle, std::size_t
     while (at != kNone && (!IsCharacterTop(text, at) || EndsInsideCharacter(text, at, needle)))
         at = FindBytes(text, at + 1, needle);
     return at;
+}
+
+std::size_t FindTextBeforeNul(std::string_view text, std::string_view needle) {
+    std::size_t top = 0;
+    for (std::size_t window = kFirstWindow;; window = std::min(window * 2, kLargestWindow)) {
+        const std::size_t end = std::min(text.size(), top + window);
+        std::size_t found = FindText(text.substr(0, end + needle.size()), needle, top);
+        // A match at the window's end cannot see the byte behind it, which may be a trail byte: the next window can.
+        if (found == end && end < text.size()) found = kNone;
+        const std::size_t passed = found == kNone ? end : found + needle.size();
+        if (std::memchr(text.data() + top, 0, passed - top) != nullptr) return kNone;
+        if (found != kNone || end == text.size()) return found;
+        top = end;
+    }
 }
 
 std::size_t FindLastCharacter(std::string_view text, char ch) {

@@ -32,6 +32,10 @@ constexpr std::size_t CharacterBytes(std::string_view text, std::size_t at) {
 // matches at from. Linear in the distance to the match.
 MAILENGINE_API std::size_t FindText(std::string_view text, std::string_view needle, std::size_t from = 0);
 
+// FindText from the first byte of text that stops at a NUL: what lies behind one is not searched. Its cost grows with
+// the distance to the match or NUL, not with the rest of the text.
+MAILENGINE_API std::size_t FindTextBeforeNul(std::string_view text, std::string_view needle);
+
 // Offset of the last character of text that is the one byte ch, std::string_view::npos if none.
 MAILENGINE_API std::size_t FindLastCharacter(std::string_view text, char ch);
 

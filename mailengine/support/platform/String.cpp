@@ -18,24 +18,6 @@ bool IsTrimmed(char ch) {
     return ch == ' ' || (ch >= '\t' && ch <= '\r');
 }
 
-// The search looks through windows that double from 256 bytes to 64 KiB and asks for a NUL only in what it passed:
-// so a match or a NUL close by costs no look at the rest of a long text.
-constexpr std::size_t kFirstWindow = 256;
-constexpr std::size_t kLargestWindow = 65536;
-
-std::size_t FindBeforeNul(std::string_view text, std::string_view needle) {
-    std::size_t top = 0;
-    for (std::size_t window = kFirstWindow;; window = std::min(window * 2, kLargestWindow)) {
-        const std::size_t end = std::min(text.size(), top + window);
-        const std::string_view seen = text.substr(0, end + needle.size());
-        const std::size_t found = platform::FindText(seen, needle, top);
-        const std::size_t passed = found == kNone ? end : found + needle.size();
-        if (std::memchr(text.data() + top, 0, passed - top) != nullptr) return kNone;
-        if (found != kNone || end == text.size()) return found;
-        top = end;
-    }
-}
-
 struct Conversion {
     bool plus = false;
     bool zero = false;
@@ -107,13 +89,13 @@ CString& CString::operator+=(std::string_view bytes) {
 }
 
 int CString::Find(char ch) const {
-    return ch == 0 ? -1 : OffsetOrNone(FindBeforeNul(m_text, {&ch, 1}));
+    return ch == 0 ? -1 : OffsetOrNone(platform::FindTextBeforeNul(m_text, {&ch, 1}));
 }
 
 int CString::Find(const char* text, int start) const {
     const std::size_t from = start > 0 ? static_cast<std::size_t>(start) : 0;
     if (from > m_text.size()) return -1;
-    const std::size_t at = FindBeforeNul(View().substr(from), ViewOf(text));
+    const std::size_t at = platform::FindTextBeforeNul(View().substr(from), ViewOf(text));
     return at == kNone ? -1 : OffsetOrNone(from + at);
 }
 
