@@ -1,0 +1,52 @@
+# Thin: each target has the packages installed (scripts/setup), then runs CMake with a preset or a script.
+JOBS ?= $(shell nproc)
+WERROR ?= $(if $(CI),ON,OFF)
+CONFIGURE = cmake -DMAILENGINE_WERROR=$(WERROR) --log-level=WARNING --preset
+BUILD = cmake --build --parallel $(JOBS) --preset
+TEST = ctest --parallel $(JOBS) --preset
+
+.PHONY: help demo test sanitize bench format lint clean
+
+help:
+	@echo "make demo      set up, build, and write a Japanese mail that an independent reader checks"
+	@echo "make test      set up, build, and run all tests"
+	@echo "make sanitize  the tests under the address and undefined behaviour sanitizers"
+	@echo "make bench     the benchmarks, beside their yardsticks"
+	@echo "make format    format the sources; make lint checks format, code and house rules"
+	@echo "make clean     remove what was built"
+
+demo:
+	@scripts/setup
+	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF
+	@$(BUILD) release
+	@scripts/demo
+
+test:
+	@scripts/setup test
+	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=ON
+	@$(BUILD) release
+	@$(TEST) release
+
+sanitize:
+	@scripts/setup test
+	@$(CONFIGURE) sanitize
+	@$(BUILD) sanitize
+	@$(TEST) sanitize
+
+bench:
+	@scripts/setup bench
+	@$(CONFIGURE) bench
+	@$(BUILD) bench
+	@scripts/bench
+
+format:
+	@scripts/setup lint
+	@scripts/sources | xargs clang-format-14 -i
+
+lint:
+	@scripts/setup lint
+	@$(CONFIGURE) lint
+	@scripts/lint
+
+clean:
+	rm -rf build
