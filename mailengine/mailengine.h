@@ -1,0 +1,16 @@
+// mailengine.h: all that a host may use. Text is code page 932 bytes throughout, and so are paths, with backslashes;
+// every length and offset counts bytes. Everything runs on the host's user-interface thread.
+// The headers below are the public ones, and those that are installed: one that is not named here is internal.
+#pragma once
+
+#include <mailengine/encoding/Base64.h>
+#include <mailengine/encoding/Language.h>
+#include <mailengine/encoding/QuotedPrint.h>
+#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/CmdTarget.h>
+#include <mailengine/support/platform/Document.h>
+#include <mailengine/support/platform/Export.h>
+#include <mailengine/support/platform/PtrArray.h>
+#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/System.h>
