@@ -6,6 +6,8 @@
 #include <mailengine/encoding/Base64.h>
 #include <mailengine/encoding/Language.h>
 #include <mailengine/encoding/QuotedPrint.h>
+#include <mailengine/model/Address.h>
+#include <mailengine/model/MailDoc.h>
 #include <mailengine/support/platform/Characters.h>
 #include <mailengine/support/platform/CmdTarget.h>
 #include <mailengine/support/platform/Document.h>

@@ -228,7 +228,8 @@ void CMailDoc::ClearAll() {
     ClearToAddresses();
     ClearCcAddresses();
     ClearBccAddresses();
-    for (CString* part : {&m_subject, &m_dear, &m_greeting, &m_body, &m_closing, &m_signature}) part->Empty();
+    for (CString* part : {&m_subject, &m_dear, &m_greeting, &m_body, &m_closing, &m_signature})
+        part->Empty();
     m_files.clear();
     SetModifiedFlag(0);
 }
