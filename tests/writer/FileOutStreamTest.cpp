@@ -1,0 +1,47 @@
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+
+#include <mailengine/support/platform/FileSystem.h>
+#include <mailengine/writer/FileOutStream.h>
+
+namespace {
+
+std::string ContentOf(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+TEST(FileOutStream, WritesTheTextUpToItsNulAndNothingWhileClosed) {
+    const std::string path = testing::TempDir() + "file-out-stream.eml";
+    {
+        CFileOutStream stream(path.c_str());
+        EXPECT_EQ(stream.WriteString("early"), 0);
+        ASSERT_NE(stream.Open(), 0);
+        EXPECT_NE(stream.WriteString("a\r\n\n\0b"), 0);
+        EXPECT_NE(stream.WriteString(nullptr), 0);
+        EXPECT_NE(stream.Open(), 0);  // an open stream stays as it is
+        EXPECT_NE(stream.WriteString("\x82\xA0"), 0);
+    }
+    EXPECT_EQ(ContentOf(path), "a\r\n\n\x82\xA0");
+    platform::DeleteFileA(path.c_str());
+}
+
+TEST(FileOutStream, TellsThatAWriteFailedUntilItIsOpenedAnew) {
+    CFileOutStream full("/dev/full");
+    ASSERT_NE(full.Open(), 0);
+    EXPECT_EQ(full.Failed(), 0);
+    EXPECT_EQ(full.WriteString("x"), 0);
+    full.Close();
+    EXPECT_NE(full.Failed(), 0);
+    ASSERT_NE(full.Open(), 0);
+    EXPECT_EQ(full.Failed(), 0);
+}
+
+TEST(FileOutStream, DoesNotOpenWhereNoFileCanBe) {
+    for (const char* const path : {static_cast<const char*>(nullptr), "", "\\", "\\no such folder\\x"})
+        EXPECT_EQ(CFileOutStream(path).Open(), 0);
+}
+
+}  // namespace
