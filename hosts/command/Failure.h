@@ -1,0 +1,20 @@
+// CFailure: ends a command. Its text is one line of UTF-8 that names the thing and says what to do; main prints it on
+// stderr and ends the program with the status.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+inline constexpr int kExitFailed = 1;  // what was asked could not be done; nothing half done stays behind
+inline constexpr int kExitUsage = 2;   // the command line itself is wrong: an option unknown, missing or in conflict
+
+class CFailure : public std::runtime_error {
+public:
+    explicit CFailure(const std::string& text, int status = kExitFailed)
+        : std::runtime_error(text), m_nStatus(status) {}
+
+    int Status() const { return m_nStatus; }
+
+private:
+    int m_nStatus;
+};
