@@ -223,13 +223,3 @@ int CMailDoc::AddBccAddresses(const std::vector<CAddress>& addresses) {
 void CMailDoc::ClearBccAddresses() {
     Clear(m_bccAddresses);
 }
-
-void CMailDoc::ClearAll() {
-    ClearToAddresses();
-    ClearCcAddresses();
-    ClearBccAddresses();
-    for (CString* part : {&m_subject, &m_dear, &m_greeting, &m_body, &m_closing, &m_signature})
-        part->Empty();
-    m_files.clear();
-    SetModifiedFlag(0);
-}

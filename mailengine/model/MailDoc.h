@@ -30,6 +30,7 @@ public:
     enum class Type : std::int32_t { kNone = 0 };
 
     CMailDoc();
+    // Runs ClearAll, so the directory TempPath goes with the document.
     ~CMailDoc() override;
 
     // A new document on the heap, to be deleted by the caller; null if there is no memory.
@@ -134,9 +135,21 @@ public:
     void GetSendServer(CString& server, std::int32_t& port) const;
     void SetSendServer(const CString& server, std::int32_t port);
 
-    // Empties the address lists, empties the subject, the letter and the attachments, and sets the modified flag
-    // to 0. Type, summary, sender, reply address, references, flags, mailer and server stay.
+    // Makes the directory path and has the document own it, with every file directly in it: they go with ClearAll or
+    // the document. Non-zero on success. 0: path exists or cannot be made (its parent is not made), and the document
+    // keeps the directory that it had. A directory owned before stays on disk and is the document's no more.
+    int SetTempPath(const char* path);
+    void GetTempPathA(CString& path) const { path = m_tempPath; }
+
+    // Empties the address lists, deletes the files of TempPath and the directory, empties the subject, the letter and
+    // the attachments, and sets the modified flag to 0. What cannot be deleted stays on disk without a word, as do
+    // subdirectories. Type, summary, sender, reply address, references, flags, mailer and server stay.
     void ClearAll();
+
+    // The amount, in bytes, that progress counts against (CProgressCallback::Start): the body and the attachments as
+    // Base64. A little more than is written of these; letter parts and header fields are not counted. It ends at the
+    // largest unsigned int.
+    unsigned int GetMailSize() const;
 
 protected:
     // Called by the framework when a document begins anew; the fields are not touched. 1: ready.
@@ -152,6 +165,7 @@ private:
     int AppendAll(CPtrArray& list, const CPtrArray& addresses);
     int AppendAll(CPtrArray& list, const std::vector<CAddress>& addresses);
     static void Clear(CPtrArray& list);
+    void RemoveTempPath();
 
     Type m_type = Type::kNone;
     CString m_originalSummary;
@@ -174,4 +188,5 @@ private:
     CString m_mailerName;
     CString m_sendServer;
     std::int32_t m_sendPort;
+    CString m_tempPath;
 };
