@@ -8,14 +8,20 @@
 #include <mailengine/encoding/QuotedPrint.h>
 #include <mailengine/model/Address.h>
 #include <mailengine/model/MailDoc.h>
+#include <mailengine/support/FileUtility.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/platform/Characters.h>
 #include <mailengine/support/platform/CmdTarget.h>
 #include <mailengine/support/platform/DataExchange.h>
 #include <mailengine/support/platform/Dialog.h>
 #include <mailengine/support/platform/Document.h>
+#include <mailengine/support/platform/Exception.h>
 #include <mailengine/support/platform/Export.h>
+#include <mailengine/support/platform/File.h>
 #include <mailengine/support/platform/FileDialog.h>
+#include <mailengine/support/platform/FileStatus.h>
+#include <mailengine/support/platform/FileSystem.h>
+#include <mailengine/support/platform/Path.h>
 #include <mailengine/support/platform/ProgressCtrl.h>
 #include <mailengine/support/platform/PtrArray.h>
 #include <mailengine/support/platform/ResourceRegistry.h>
@@ -27,3 +33,6 @@
 #include <mailengine/support/platform/WindowSystem.h>
 #include <mailengine/support/platform/WindowTypes.h>
 #include <mailengine/support/platform/Wnd.h>
+#include <mailengine/writer/EMailWriter.h>
+#include <mailengine/writer/FileOutStream.h>
+#include <mailengine/writer/OutputStream.h>
