@@ -33,9 +33,6 @@
 #include <mailengine/support/platform/WindowSystem.h>
 #include <mailengine/support/platform/WindowTypes.h>
 #include <mailengine/support/platform/Wnd.h>
-<<<<<<< HEAD
 #include <mailengine/writer/EMailWriter.h>
-=======
->>>>>>> b196f34 (mailengine: the headers of files and streams are public)
 #include <mailengine/writer/FileOutStream.h>
 #include <mailengine/writer/OutputStream.h>
