@@ -69,7 +69,14 @@ struct Progress {
 };
 
 // Decodes whole groups of text and passes over the line ends between them, until fewer than four characters are left
-// at the top of a group, the text is used up or fewer than 3 bytes are free in the room bytes at to.
+// at the top of a group, the text is used up or fewer than 3 bytes are free in the room bytes at to. The plain one does
+// the same on any machine, going on from done.
 Progress DecodeGroups(std::string_view text, unsigned char* to, std::size_t room);
+Progress DecodePlain(std::string_view text, unsigned char* to, std::size_t room, Progress done = {});
+
+// Puts the digits and padding of the size bytes at from to to, which has room for 4 characters for each 3 bytes begun.
+// The result is the number of characters. The plain one does the same on any machine.
+std::size_t EncodeGroups(const unsigned char* from, std::size_t size, char* to);
+std::size_t EncodePlain(const unsigned char* from, std::size_t size, char* to);
 
 }  // namespace base64

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <mailengine/encoding/Base64.h>
+#include <mailengine/encoding/Base64Groups.h>
 #include <mailengine/encoding/Base64Stream.h>
 #include <mailengine/encoding/Language.h>
 #include <mailengine/encoding/QuotedPrint.h>
@@ -113,6 +114,25 @@ Bytes InLines(std::string_view text, std::size_t width, std::string_view lineEnd
     return lines;
 }
 
+// What the plain path, which any machine has, makes of whole groups.
+Bytes DecodePlain(std::string_view text) {
+    std::vector<unsigned char> buffer(text.size() + 3);
+    const base64::Progress done = base64::DecodePlain(text, buffer.data(), buffer.size());
+    return Bytes(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(done.made));
+}
+
+Bytes DecodeFast(std::string_view text) {
+    std::vector<unsigned char> buffer(text.size() + 3);
+    const base64::Progress done = base64::DecodeGroups(text, buffer.data(), buffer.size());
+    return Bytes(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(done.made));
+}
+
+Bytes EncodePlain(const Bytes& bytes) {
+    Bytes text(bytes.size() / 3 * 4 + 4, '\0');
+    text.resize(base64::EncodePlain(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), text.data()));
+    return text;
+}
+
 // Decodes text in pieces of step characters, each into a buffer of just the promised room.
 Decoded DecodeInPieces(std::string_view text, std::size_t step) {
     CBase64Stream stream;
@@ -212,6 +232,7 @@ TEST(Base64, EncodesEveryLengthByItsRules) {
     for (std::size_t length = 0; length <= 300; ++length) {
         const Bytes bytes = RandomBytes(random, length);
         ASSERT_EQ(Encode(bytes), LiteralEncode(bytes)) << length;
+        ASSERT_EQ(EncodePlain(bytes), LiteralEncode(bytes)) << length;
     }
     for (const std::size_t length : {3071u, 3072u, 3073u, 100000u}) {
         const Bytes bytes = RandomBytes(random, length);
@@ -233,6 +254,7 @@ TEST(Base64, DecodesEveryTextByItsRules) {
             text[random() % text.size()] = "=\r\n!"[random() % 4];
             ASSERT_EQ(Decode(CBase64::Decode, text, capacity), LiteralDecode(text, capacity)) << text;
             ASSERT_EQ(DecodeAll(CBase64::Decode, text), LiteralDecode(text, text.size() + 2).bytes) << text;
+            ASSERT_EQ(DecodeFast(text), DecodePlain(text)) << text;
         }
 }
 
