@@ -16,6 +16,9 @@
 #include <mailengine/support/platform/PtrArray.h>
 #include <mailengine/support/platform/String.h>
 
+class CFileDialog;
+class CWnd;
+
 class MAILENGINE_API CMailDoc : public CDocument {
 public:
     // One attachment.
@@ -151,6 +154,13 @@ public:
     // largest unsigned int.
     unsigned int GetMailSize() const;
 
+    // Saves the document as a message file, under the user's eyes: runs dialog, writes to the path that it gives, shows
+    // progress over parent, which is disabled meanwhile, and complains in a message box over it. Handlers of the host
+    // run meanwhile. 0: an argument is null, or the file cannot be made, also because it is an attachment of this very
+    // document. 1 in all other cases: the user chose no file; the message was saved, and the modified flag is 0; the
+    // user cancelled or writing failed, and then the file is deleted and the flag is as it was.
+    int SaveAs(CWnd* parent, CFileDialog* dialog);
+
 protected:
     // Called by the framework when a document begins anew; the fields are not touched. 1: ready.
     int OnNewDocument() override;
@@ -166,6 +176,7 @@ private:
     int AppendAll(CPtrArray& list, const std::vector<CAddress>& addresses);
     static void Clear(CPtrArray& list);
     void RemoveTempPath();
+    bool IsAttached(const CString& path) const;
 
     Type m_type = Type::kNone;
     CString m_originalSummary;

@@ -5,6 +5,7 @@
 #include <tests/FixedSystem.h>
 #include <tests/GoldenFile.h>
 #include <tests/TempFolder.h>
+#include <tests/support/ScriptedWindowSystem.h>
 #include <tests/writer/MessageStreams.h>
 #include <utility>
 #include <vector>
@@ -228,6 +229,36 @@ TEST_F(EMailWriter, StopsAtTheFirstFailedCall) {
         EXPECT_LE(stream.calls.size(), n + 4) << n;  // a line's end, a mail's end and the closing delimiter at most
     }
     EXPECT_EQ(stage + 1, stages.size());
+}
+
+// Cancel is pressed while the n-th Callback dispatches messages, and noticed by the next one.
+TEST_F(EMailWriter, StopsAtCancelWhereverItComes) {
+    ScriptedWindowSystem windows;
+    m_doc.SetBody("text");
+    Attach("f.bin", Counted(5400));
+    const CString fileFailed = CString(texts::kFileContentFailed) + m_files[0].Path;
+    int seen = 0;
+    int pressedAt = 0;
+    windows.whenNoted = [&](const std::string& line) {
+        if (line.starts_with("position ") && ++seen == pressedAt) windows.PostCommand(IDCANCEL);
+    };
+    for (pressedAt = 1; pressedAt <= 10; ++pressedAt) {  // the text's Callback and the first nine of the file's ten
+        seen = 0;
+        m_progress.Start(m_doc.GetMailSize());
+        CMemoryStream stream;
+        EXPECT_EQ(WriteTo(stream), 0) << pressedAt;
+        EXPECT_EQ(m_error, fileFailed) << pressedAt;
+        EXPECT_EQ(m_progress.UserCanceled(), 1) << pressedAt;
+        const auto isLine = [](const std::string& call) { return call.size() == 72; };
+        EXPECT_EQ(std::count_if(stream.calls.begin(), stream.calls.end(), isLine), 10 * pressedAt);
+        EXPECT_TRUE(stream.Text().ends_with("--\r\n")) << pressedAt;
+    }
+    m_progress.Start(m_doc.GetMailSize());
+    platform::DeliverCommand(windows.Dialog(), IDCANCEL);
+    CMemoryStream stream;
+    EXPECT_EQ(WriteTo(stream), 0);
+    EXPECT_EQ(m_error, texts::kBodyFailed);
+    EXPECT_TRUE(stream.Text().ends_with("\r\n\r\ntext"));
 }
 
 }  // namespace

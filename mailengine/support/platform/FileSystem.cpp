@@ -137,3 +137,10 @@ int platform::CreateDirectoryA(const char* path, const void* security) {
 int platform::RemoveDirectoryA(const char* path) {
     return rmdir(ToNativePath(path).c_str()) == 0;
 }
+
+int platform::IsSameFile(const char* path, const char* other) {
+    struct stat one {
+    }, two{};
+    return stat(ToNativePath(path).c_str(), &one) == 0 && stat(ToNativePath(other).c_str(), &two) == 0 &&
+           one.st_dev == two.st_dev && one.st_ino == two.st_ino;
+}

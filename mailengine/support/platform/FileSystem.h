@@ -41,4 +41,7 @@ MAILENGINE_API int CreateDirectoryA(const char* path, const void* security);
 // Removes an empty directory. 0: it failed; anything else, a link to a directory too, stays.
 MAILENGINE_API int RemoveDirectoryA(const char* path);
 
+// Whether two paths name one file, whatever their spelling; links are followed. 0: they name two, or one names none.
+MAILENGINE_API int IsSameFile(const char* path, const char* other);
+
 }  // namespace platform
