@@ -19,6 +19,7 @@ demo:
 	@scripts/setup
 	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF
 	@$(BUILD) release
+	@test -x scripts/demo || { echo "make demo: scripts/demo is not there yet" >&2; exit 1; }
 	@scripts/demo
 
 test:
@@ -37,7 +38,7 @@ bench:
 	@scripts/setup bench
 	@$(CONFIGURE) bench
 	@$(BUILD) bench
-	@scripts/bench
+	@for program in build/bench/bin/bench-*; do $$program || exit 1; done
 
 format:
 	@scripts/setup lint
