@@ -26,6 +26,7 @@
 #include <mailengine/support/platform/ProgressCtrl.h>
 #include <mailengine/support/platform/PtrArray.h>
 #include <mailengine/support/platform/ResourceRegistry.h>
+#include <mailengine/support/platform/Socket.h>
 #include <mailengine/support/platform/String.h>
 #include <mailengine/support/platform/StringArray.h>
 #include <mailengine/support/platform/System.h>
