@@ -35,6 +35,9 @@
 #include <mailengine/support/platform/WindowSystem.h>
 #include <mailengine/support/platform/WindowTypes.h>
 #include <mailengine/support/platform/Wnd.h>
+#include <mailengine/transport/MailSendRecv.h>
+#include <mailengine/transport/Smtp.h>
+#include <mailengine/transport/SmtpStream.h>
 #include <mailengine/writer/EMailWriter.h>
 #include <mailengine/writer/FileOutStream.h>
 #include <mailengine/writer/OutputStream.h>
