@@ -53,6 +53,9 @@ int Turn(int limit, steady_clock::time_point begun) {
 
 }  // namespace
 
+CSocketWait::~CSocketWait() = default;
+CSocket::~CSocket() = default;
+
 CAsyncSocket::~CAsyncSocket() {
     CloseHandle();
 }

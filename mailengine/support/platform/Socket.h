@@ -15,7 +15,7 @@ inline constexpr SOCKET INVALID_SOCKET = -1;
 // CSocketWait: what may end the wait of a socket before its event comes. Asked on the waiting thread.
 class MAILENGINE_API CSocketWait {
 public:
-    virtual ~CSocketWait() = default;
+    virtual ~CSocketWait();
     // Milliseconds that one wait may last in the step that the socket's SetStep named; below 0: for ever. A wait for
     // room to send begins anew with each byte that goes out, so a slow line is not taken for a dead one.
     virtual int TimeLimit(int step) = 0;
@@ -77,6 +77,8 @@ public:
     static constexpr int kMoreFollows = 0x8000;
     // Flag of Receive: takes what has come, and fails rather than wait.
     static constexpr int kDontWait = 0x40;
+
+    ~CSocket() override;
 
     // Sends all length bytes of data, which may not be negative. The result is length, or -1 on failure: then nobody
     // knows how much went out.
