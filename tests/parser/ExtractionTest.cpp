@@ -1,0 +1,148 @@
+#include <filesystem>
+#include <set>
+#include <tests/TempFolder.h>
+
+#include <mailengine/encoding/Base64.h>
+
+#include "Reader.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::set<std::string>;
+
+Names NamesIn(const CTempFolder& folder) {
+    Names names;
+    for (const auto& entry : fs::directory_iterator(folder.Native()))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
+std::string Part(const std::string& name, const std::string& data, const std::string& encoding = "7bit") {
+    return "\n--b\nContent-Type: a/b; name=\"" + name + "\"\nContent-Transfer-Encoding: " + encoding + "\n\n" + data;
+}
+
+std::string AttachedMail(const std::string& subject, const std::string& parameters = "") {
+    return "\n--b\nContent-Type: message/rfc822" + parameters + "\n\nSubject: " + subject + "\nMIME-Version: 1.0\n\nx";
+}
+
+CString Message(const std::string& parts) {
+    return Mail("MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=b\n\n" + parts + "\n--b--\n");
+}
+
+TEST(Extraction, GivesEachFileAFreeNameInTheFolder) {
+    const Rows rows = {{"a.txt", "a.txt"},
+                       {"a.txt", "a.txt_2"},
+                       {"..", ".._1"},
+                       {".", "._1"},
+                       {"..\\..\\x/y:z", ".._.._x_y_z"},
+                       {"\x83\x5C.txt", "\xE3\x82\xBD.txt"},  // ソ: its trail byte is no backslash
+                       {"a.txt", "a.txt_3"},
+                       {"=?x?Q?=0D=0A=1B?=", "\r\n\x1B"},
+                       {"\xFF", "\xEF\x9F\xBF"}};
+    CTempFolder folder;
+    fs::create_symlink("nowhere", folder.Native() / "a.txt_1");
+    std::string parts;
+    Names expected{"a.txt_1"};
+    for (const auto& [name, file] : rows) {
+        parts += Part(name, file);
+        expected.insert(file);
+    }
+    const Read read(Message(parts), folder.Path(), 0);
+    EXPECT_EQ(read.files.size(), rows.size());
+    EXPECT_EQ(NamesIn(folder), expected) << "nothing was written through the link";
+    for (const auto& [name, file] : rows)
+        EXPECT_EQ(ReadWholeFile(folder.Native() / file), Text(Mail(file)));
+    EXPECT_EQ(read.files.at(4).Name, ".._.._x_y_z");
+    EXPECT_EQ(read.files.at(5).Path, folder.Path("\x83\x5C.txt"));
+}
+
+TEST(Extraction, FindsAFreeNameForManyOfOneName) {
+    CTempFolder folder;
+    const Read read(Message(Repeated(Part("a", "x") + AttachedMail("s"), 100)), folder.Path(), 0);
+    ASSERT_EQ(read.files.size(), 200u);
+    EXPECT_EQ(read.files[198].Path, folder.Path("a_99"));
+    EXPECT_EQ(read.files[199].Path, folder.Path("s_99.eml"));
+}
+
+// Files are decoded piece by piece; the whole text, decoded at once, is what they must hold.
+TEST(Extraction, DecodesAsTheWholeTextWould) {
+    std::string lines, broken, quoted, escapes;
+    for (int i = 0; i < 3000; ++i) {
+        lines += Repeated("QUJD", 18) + "\n";
+        broken += std::to_string(i) + "QUJ\n" + (i % 3 ? "UJ\n" : "!==");
+        quoted += std::to_string(i) + "=E3=81=82=\nab=4=\n=4\nc==41%\n" + (i % 5 ? "=\r=" : "plain ");
+        escapes += "%41%4%%\n" + std::to_string(i);
+    }
+    for (const std::string& text : {lines, broken, quoted, escapes, Repeated("=", 200000), std::string("QQ"),
+                                    std::string(), std::string("\n"), lines.substr(0, 64 * 1024 - 800)})
+        for (const char* encoding : {"base64", "quoted-printable", "H", "8bit"}) {
+            const bool converts = text == quoted;
+            CTempFolder folder;
+            const Read read(Message(Part(converts ? "n\"; charset=\"iso-2022-jp" : "n", text, encoding)), folder.Path(),
+                            0);
+            const CString wire = Mail(text);
+            std::string whole(wire.View().size() + 1, '\0');
+            unsigned int size = 0;
+            Reader().Decode(wire, encoding, converts ? "iso-2022-jp" : "",
+                            reinterpret_cast<unsigned char*>(whole.data()), static_cast<unsigned int>(whole.size()),
+                            size);
+            EXPECT_EQ(read.result, 1);
+            EXPECT_TRUE(ReadWholeFile(folder.Native() / "n") == whole.substr(0, size))
+                << encoding << text.substr(0, 40);
+        }
+}
+
+TEST(Extraction, FailsWithoutATrace) {
+    CTempFolder folder;
+    const CString missing = folder.Path("missing"), half = folder.Path() + "\x81";  // half would swallow the backslash
+    const std::string longName(256, 'n');
+    const std::vector<std::tuple<std::string, CString, std::string>> rows = {
+        {Part("n", "Q", "base64"), folder.Path(), "n"},
+        {Part(longName, "x"), folder.Path(), longName},
+        {Part("n", "x"), missing, "n"},
+        {Part("n", "x"), "", "n"},
+        {Part("n", "x"), half, "n"},
+        {"\n--b\nContent-Type: a/b; name=n\n", folder.Path(), "n"},
+        {"\n--b\nContent-Type: message/rfc822; name=m\n\nSubject: no MIME-Version\n\n", folder.Path(), ""}};
+    for (const auto& [parts, path, name] : rows) {
+        const Read read(Message(parts), path, 0);
+        EXPECT_EQ(read.result, 0) << parts;
+        EXPECT_EQ(read.summary.Find(" File:") != -1, !name.empty()) << parts;
+        EXPECT_NE(read.summary.Find(name.c_str()), -1) << parts;
+        EXPECT_TRUE(read.files.empty());
+    }
+    EXPECT_EQ(NamesIn(folder), Names());
+    EXPECT_EQ(Read(Message(Part("n", "x") + Part("", "x")), folder.Path(), 0).result, 0);
+    EXPECT_EQ(NamesIn(folder), Names{"n"}) << "what was extracted before the failure stays";
+}
+
+TEST(AttachedMails, AreNamedForTheirSubject) {
+    CTempFolder folder;
+    const std::string cut = Repeated("a", 63), subject = cut + "\x83\x5C" + "b";
+    const Read read(Message(AttachedMail("Re: x") + AttachedMail("Re: x") + AttachedMail("", "; name=n/m") +
+                            AttachedMail("") + AttachedMail(subject) + AttachedMail("..") + AttachedMail("")),
+                    folder.Path(), 0);
+    const Rows rows = {{"Re: x", "Re_ x.eml"},  {"Re: x", "Re_ x_1.eml"}, {"n/m", "n_m.eml"}, {"", ".eml"},
+                       {subject, cut + ".eml"}, {"..", "...eml"},         {"", "_1.eml"}};
+    ASSERT_EQ(read.files.size(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(Text(read.files[i].Name), rows[i].first);
+        EXPECT_EQ(read.files[i].Path, folder.Path(rows[i].second.c_str()));
+    }
+    EXPECT_EQ(ReadWholeFile(folder.Native() / "Re_ x.eml"), "Subject: Re: x\r\nMIME-Version: 1.0\r\n\r\nx");
+}
+
+TEST(Images, EndAtAnEmptyLineWhereTheyStandAlone) {
+    const std::string head = "MIME-Version: 1.0\nContent-Type: image/gif; name=i\nContent-Transfer-Encoding: B\n\n";
+    Check({{"QUJD\nREVG\n", "1 ABCDEF"}, {"QUJD\n\nREVG\n", "1 ABC"}, {"QUJD", "0 "}, {"\n", "1 "}},
+          [&](const std::string& data) {
+              CTempFolder folder;
+              const Read read(Mail(head + data), folder.Path(), 0);
+              EXPECT_EQ(NamesIn(folder), read.result ? Names{"i"} : Names());
+              return Joined({read.result}) + " " + ReadWholeFile(folder.Native() / "i");
+          });
+}
+
+}  // namespace
