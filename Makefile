@@ -5,13 +5,14 @@ CONFIGURE = cmake -DMAILENGINE_WERROR=$(WERROR) --log-level=WARNING --preset
 BUILD = cmake --build --parallel $(JOBS) --preset
 TEST = ctest --parallel $(JOBS) --preset
 
-.PHONY: help demo test sanitize bench format lint clean
+.PHONY: help demo test sanitize bench fuzz format lint clean
 
 help:
 	@echo "make demo      set up, build, and write a Japanese mail that an independent reader checks"
 	@echo "make test      set up, build, and run all tests"
 	@echo "make sanitize  the tests under the address and undefined behaviour sanitizers"
 	@echo "make bench     the benchmarks, beside their yardsticks"
+	@echo "make fuzz      the fuzzers, each for 20 seconds; SECONDS=1200 for longer"
 	@echo "make format    format the sources; make lint checks format, code and house rules"
 	@echo "make clean     remove what was built"
 
@@ -39,6 +40,11 @@ bench:
 	@$(CONFIGURE) bench
 	@$(BUILD) bench
 	@for program in build/bench/bin/bench-*; do $$program || exit 1; done
+
+SECONDS = 20
+fuzz:
+	@scripts/setup fuzz
+	@scripts/fuzz $(SECONDS)
 
 format:
 	@scripts/setup lint

@@ -155,9 +155,11 @@ TEST_F(SocketWait, ReportsWhatIsReady) {
         EXPECT_EQ(Wait(kBoth, -1), kBoth);
         char byte = 0;
         EXPECT_EQ(recv(m_pair[0], &byte, 1, 0), 1);
-        errno = 0;
-        EXPECT_EQ(CWindowSystem::Get().WaitForSocket(1 << 20, kBoth, -1), -1);
-        EXPECT_EQ(errno, EBADF);
+        for (const int descriptor : {-1, 1 << 20}) {
+            errno = 0;
+            EXPECT_EQ(CWindowSystem::Get().WaitForSocket(descriptor, kBoth, -1), -1);
+            EXPECT_EQ(errno, EBADF);
+        }
     }
     shutdown(m_pair[1], SHUT_RDWR);
     EXPECT_EQ(Wait(CWindowSystem::kReadable, -1), CWindowSystem::kReadable);

@@ -261,6 +261,7 @@ TEST_F(Progress, LetsHandlersCallFromInsideThePump) {
                 EXPECT_EQ(progress.UserCanceled(), inner.canceled);
             }
             EXPECT_EQ(m_system.Enabled(m_window), m_system.DialogCount() == 0);
+            EXPECT_LE(m_system.CountCalls("sleep"), m_system.CountCalls("destroy")) << "a pause for no dialog";
             m_progress.reset();
             EXPECT_EQ(m_system.DialogCount(), 0U);
             EXPECT_TRUE(m_system.Enabled(m_window));

@@ -47,6 +47,9 @@ public:
             if (line.starts_with(prefix)) text += line + "\n";
         return text;
     }
+    long CountCalls(const std::string& prefix) const {
+        return std::count_if(calls.begin(), calls.end(), [&](const auto& line) { return line.starts_with(prefix); });
+    }
 
     HWND MakeDialog(const platform::DialogTemplate& dialog, HWND parent) override {
         const std::string line = " " + std::to_string(dialog.id) + " on " + NameOrNone(parent);

@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::size_t kBufferBytes = 64 * 1024;
 // Room is asked for in steps: small at first, since most mails are, then doubled.
-constexpr std::int64_t kFirstStep = 64 * 1024;
+constexpr std::int64_t kFirstStep = 16 * 1024;
 constexpr std::int64_t kLargestStep = 4 * 1024 * 1024;
 constexpr int kNone = -1;
 
@@ -98,7 +98,9 @@ int AdmitReader(int descriptor) {
 // Locks and empties a regular file. A file system without locks is no reason to refuse.
 int TakeOver(int descriptor) {
     if (Uninterrupted([&] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0 && errno == EWOULDBLOCK) return 0;
-    return Uninterrupted([&] { return ftruncate(descriptor, 0); }) == 0;
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) return 0;
+    return status.st_size == 0 || Uninterrupted([&] { return ftruncate(descriptor, 0); }) == 0;
 }
 
 // The offset behind the last byte that the process may write.
@@ -160,7 +162,7 @@ int CFile::OpenForWriting(const char* path, bool isNew) {
     m_descriptor = descriptor;
     m_writes = true;
     m_promises = S_ISREG(status.st_mode);
-    m_begin = m_end = 0;
+    m_begin = m_end = m_room = 0;
     m_position = m_promised = 0;
     return 1;
 }
@@ -203,14 +205,10 @@ std::size_t CFile::ReadThrough(char* buffer, std::size_t count) {
     return static_cast<std::size_t>(got);
 }
 
-void CFile::Write(const void* data, std::size_t count) {
-    if (count == 0) return;
-    if (m_end + count <= Room()) {
-        std::memcpy(m_buffer.get() + m_end, data, count);
-        m_end += count;
-    } else if (!Append(static_cast<const char*>(data), count)) {
-        throw new CFileException(errno);
-    }
+void CFile::Append(const char* data, std::size_t count) {
+    const int appended = TryAppend(data, count);
+    m_room = Room();
+    if (!appended) throw new CFileException(errno);
 }
 
 // The bytes of the buffer that the file system holds room for; 0 while there is no buffer.
@@ -218,7 +216,7 @@ std::size_t CFile::Room() const {
     return static_cast<std::size_t>(std::min<std::int64_t>(m_promised - m_position, kBufferBytes));
 }
 
-int CFile::Append(const char* data, std::size_t count) {
+int CFile::TryAppend(const char* data, std::size_t count) {
     if (m_descriptor == kNone || !m_writes) return Refuse(EBADF);
     while (count > 0) {
         if (m_end == Room()) {
@@ -240,12 +238,10 @@ int CFile::PromiseRoom() {
     if (!m_promises || !MakeBuffer()) return 0;
     const std::int64_t step = std::clamp(m_promised, kFirstStep, kLargestStep);
     const std::int64_t length = std::min(step, SizeLimit() - m_promised);
-    const bool kept = length > 0 && Uninterrupted([&] {
-                                        return fallocate(m_descriptor, FALLOC_FL_KEEP_SIZE, m_promised, length);
-                                    }) == 0;
-    if (kept) m_promised += length;
-    m_promises = kept;
-    return kept;
+    const auto ask = [&] { return fallocate(m_descriptor, FALLOC_FL_KEEP_SIZE, m_promised, length); };
+    m_promises = length > 0 && Uninterrupted(ask) == 0;
+    if (m_promises) m_promised += length;
+    return m_promises;
 }
 
 // Hands the buffer to the system. 0: what did not go stays in the buffer.
@@ -288,7 +284,7 @@ void CFile::Close() {
     if (close(m_descriptor) != 0 && errno != EINTR && error == 0) error = errno;
     m_descriptor = kNone;
     m_writes = false;
-    m_begin = m_end = 0;
+    m_begin = m_end = m_room = 0;
     m_position = m_promised = 0;
     m_buffer.reset();
     if (error != 0) throw new CFileException(error);

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include <mailengine/support/platform/Exception.h>
@@ -47,7 +48,15 @@ public:
 
     // Appends all count bytes of data or raises a CFileException; then a part of them may have been written. No signal
     // reaches the host for a file size limit or a pipe without a reader.
-    void Write(const void* data, std::size_t count);
+    void Write(const void* data, std::size_t count) {
+        if (count == 0) return;
+        if (m_end + count <= m_room) {
+            std::memcpy(m_buffer.get() + m_end, data, count);
+            m_end += count;
+        } else {
+            Append(static_cast<const char*>(data), count);
+        }
+    }
 
     // Closes the file; does nothing to a closed one. Raises a CFileException if bytes taken before could not be
     // written; the file is closed then, too.
@@ -61,7 +70,8 @@ private:
     int OpenForWriting(const char* path, bool isNew);
     std::size_t Room() const;
     int PromiseRoom();
-    int Append(const char* data, std::size_t count);
+    void Append(const char* data, std::size_t count);
+    int TryAppend(const char* data, std::size_t count);
     int Flush();
     int WriteThrough(const char* data, std::size_t count);
     std::size_t ReadThrough(char* buffer, std::size_t count);
@@ -73,6 +83,7 @@ private:
     std::unique_ptr<char[]> m_buffer;  // made by the first Read or Write that needs it
     std::size_t m_begin = 0;           // of the bytes in the buffer; always 0 when writing
     std::size_t m_end = 0;
+    std::size_t m_room = 0;       // bytes of the buffer that the file system holds room for; 0 when reading
     std::int64_t m_position = 0;  // bytes handed to the system
     std::int64_t m_promised = 0;  // offset up to which the file system holds room
 };

@@ -35,6 +35,11 @@ int ReadyEvents(short reported, int asked) {
     return ready;
 }
 
+int FailWith(int error) {
+    errno = error;
+    return -1;
+}
+
 class CBuiltInWindowSystem : public CWindowSystem {
 public:
     HWND MakeDialog(const platform::DialogTemplate&, HWND) override {
@@ -66,6 +71,8 @@ CWindowSystem* g_installed = nullptr;
 }  // namespace
 
 int CWindowSystem::PollSocket(int descriptor, int events, int timeout) {
+    // poll would pass over a negative descriptor, and wait for it without an end.
+    if (descriptor < 0) return FailWith(EBADF);
     pollfd watched{descriptor, 0, 0};
     if ((events & kReadable) != 0) watched.events |= POLLIN;
     if ((events & kWritable) != 0) watched.events |= POLLOUT;
@@ -74,10 +81,7 @@ int CWindowSystem::PollSocket(int descriptor, int events, int timeout) {
     do {
         count = poll(&watched, 1, deadline.Left());
     } while (count < 0 && errno == EINTR);
-    if (count > 0 && (watched.revents & POLLNVAL) != 0) {
-        errno = EBADF;
-        return -1;
-    }
+    if (count > 0 && (watched.revents & POLLNVAL) != 0) return FailWith(EBADF);
     return count > 0 ? ReadyEvents(watched.revents, events) : count;
 }
 
@@ -88,9 +92,10 @@ int CWindowSystem::WaitForSocket(int descriptor, int events, int timeout) {
         if (const int ready = PollSocket(descriptor, events, step); ready != 0) return ready;
         const int left = deadline.Left();
         if (left == 0) return 0;
-        const int waits = MessageWaits();
-        if (waits != 0) (void)PumpMessage();  // the host's own loop is told of the program's end again
-        step = waits != 0 ? 0 : left < 0 ? kMessageStep : std::min(left, kMessageStep);
+        step = left < 0 ? kMessageStep : std::min(left, kMessageStep);
+        if (MessageWaits() == 0) continue;
+        (void)PumpMessage();  // the host's own loop is told of the program's end again
+        step = 0;
     }
 }
 

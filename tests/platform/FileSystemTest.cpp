@@ -1,0 +1,119 @@
+#include <cerrno>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <string>
+#include <tests/platform/TempFolder.h>
+
+#include <mailengine/support/platform/File.h>
+#include <mailengine/support/platform/FileSystem.h>
+#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/System.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The names that a search finds, in native form; a directory's with a slash behind.
+std::set<std::string> Found(const std::string& pattern) {
+    std::set<std::string> names;
+    platform::WIN32_FIND_DATAA data;
+    const platform::HANDLE search = platform::FindFirstFileA(pattern.c_str(), data);
+    if (search == platform::INVALID_HANDLE_VALUE) return names;
+    do {
+        const bool isDirectory = (data.dwFileAttributes & 0x10) != 0;
+        names.insert(platform::ToNativePath(data.cFileName) + (isDirectory ? "/" : ""));
+    } while (platform::FindNextFileA(search, data));
+    EXPECT_TRUE(platform::FindClose(search));
+    return names;
+}
+
+using Names = std::set<std::string>;
+
+TEST(FileSystem, FindsByTheLastPartOfThePattern) {
+    const TempFolder folder;
+    fs::create_directory(folder / "sub");
+    fs::create_symlink("sub", folder / "link");
+    fs::create_symlink("nowhere", folder / "dangling");
+    TempFolder::Write(folder / "a.txt", "");
+    TempFolder::Write(folder / "\xE8\xA1\xA8.txt", "");  // 表
+    const struct {
+        const char* pattern;
+        Names expected;
+    } rows[] = {
+        {"\\*.*", {"./", "../", "sub/", "link", "dangling", "a.txt", "\xE8\xA1\xA8.txt"}},
+        {"\\?.txt", {"a.txt", "\xE8\xA1\xA8.txt"}},
+        {"/\x95?*xt", {}},
+        {"\\\x95\x5C*", {"\xE8\xA1\xA8.txt"}},
+        {"\\*n*l*", {"dangling"}},
+        {"\\*.t", {}},
+        {"\\link", {"link"}},
+        {"\\dangling", {"dangling"}},
+        {"\\sub", {"sub/"}},
+        {"\\sub\\", {}},
+        {"\\sub\\*.*", {"./", "../"}},
+        {"\\none\\*.*", {}},
+        {"\\a.tx", {}},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(Found(folder.Path() + row.pattern), row.expected) << row.pattern;
+    EXPECT_EQ(Found(""), Names());
+}
+
+// As a document that clears its folder does: whatever the names are, each is deleted by what the search told.
+TEST(FileSystem, DeletesEveryFileByTheNameThatTheSearchGave) {
+    const TempFolder folder;
+    const Names names = {"\xF0\x9F\x98\x80.txt",
+                         "back\\slash",
+                         "\xFF\xC3",
+                         "\xEF\x9E\x80",
+                         "\xE8\xA1\xA8",
+                         "\xEF\x9E\x83\xEF\x9D\x9C",  // U+F783 U+F75C: bytes of a katakana SO
+                         "\xE3\x82\xBD",
+                         "\xC2\xA5",
+                         "\n",
+                         "*",
+                         "?"};
+    for (const std::string& name : names)
+        TempFolder::Write(folder / name, "");
+    fs::create_directory(folder / "\xF0\x9F\x98\x80");
+    fs::create_directory(folder / "back");
+    TempFolder::Write(folder / "back/slash", "kept");
+    platform::WIN32_FIND_DATAA data;
+    const platform::HANDLE search = platform::FindFirstFileA((folder / "*.*").c_str(), data);
+    std::size_t deleted = 0;
+    do {
+        if ((data.dwFileAttributes & platform::FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
+        EXPECT_TRUE(platform::DeleteFileA(CString(folder.Path().c_str()) + "\\" + data.cFileName));
+        ++deleted;
+    } while (platform::FindNextFileA(search, data));
+    platform::FindClose(search);
+    EXPECT_EQ(deleted, names.size());
+    EXPECT_EQ(Found(folder / "*.*"), Names({"./", "../", "back/", "\xF0\x9F\x98\x80/"}));
+    EXPECT_EQ(TempFolder::Read(folder / "back/slash"), "kept");
+}
+
+TEST(FileSystem, RemovesWhatItIsAskedForAndNothingBehindALink) {
+    const TempFolder folder;
+    const std::string made = folder.Path() + "\\\x83\x5C";  // ソ
+    ASSERT_TRUE(platform::CreateDirectoryA(made.c_str(), nullptr));
+    EXPECT_TRUE(fs::is_directory(folder / "\xE3\x82\xBD"));
+    EXPECT_FALSE(platform::CreateDirectoryA(made.c_str(), nullptr));
+    EXPECT_EQ(platform::GetLastError(), EEXIST);
+    EXPECT_FALSE(platform::CreateDirectoryA((folder / "missing\\x").c_str(), nullptr));
+    TempFolder::Write(folder / "file", "kept");
+    fs::create_symlink("\xE3\x82\xBD", folder / "to-folder");
+    fs::create_symlink("file", folder / "to-file");
+    for (const char* const name : {"to-folder", "to-folder\\", "to-file", "file"})
+        EXPECT_FALSE(platform::RemoveDirectoryA((folder / name).c_str())) << name;
+    EXPECT_FALSE(platform::DeleteFileA(made.c_str()));
+    EXPECT_TRUE(platform::DeleteFileA((folder / "to-file").c_str()));
+    EXPECT_TRUE(platform::DeleteFileA((folder / "to-folder").c_str()));
+    EXPECT_EQ(TempFolder::Read(folder / "file"), "kept");
+    EXPECT_TRUE(platform::RemoveDirectoryA(made.c_str()));
+    for (const char* const path : {static_cast<const char*>(nullptr), ""})
+        EXPECT_FALSE(platform::DeleteFileA(path) || platform::CreateDirectoryA(path, nullptr) ||
+                     platform::RemoveDirectoryA(path));
+}
+
+}  // namespace

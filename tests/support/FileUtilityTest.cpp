@@ -1,0 +1,86 @@
+#include <climits>
+#include <cstdint>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <tests/platform/TempFolder.h>
+
+#include <mailengine/support/FileUtility.h>
+
+namespace {
+
+#define BYTES "\x83o\x83\x43\x83g"               // バイト
+#define FILE_TYPE " \x83t\x83@\x83\x43\x83\x8B"  // ファイル
+
+TEST(FileUtility, TakesPathsApart) {
+    const struct {
+        const char *path, *parent, *name, *extension, *type;
+    } rows[] = {
+        {nullptr, "", "", "", ""},
+        {"a.txt", "", "a.txt", "txt", "TXT" FILE_TYPE},
+        {"C:\\a.TxT", "C:", "a.TxT", "TxT", "TXT" FILE_TYPE},
+        {"C:\\x.y\\", "C:\\x.y", "", "", ""},
+        {"x.y\\name", "x.y", "name", "", ""},
+        {"a.", "", "a.", "", ""},
+        {".profile", "", ".profile", "profile", "PROFILE" FILE_TYPE},
+        {"a.tar.gz", "", "a.tar.gz", "gz", "GZ" FILE_TYPE},
+        {"a/b.c", "", "a/b.c", "c", "C" FILE_TYPE},
+        {"\x83\x5C\\\x95\x5C.\x83\x61z", "\x83\x5C", "\x95\x5C.\x83\x61z", "\x83\x61z", "\x83\x61Z" FILE_TYPE},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(CFileUtility::GetParentPath(row.path), row.parent);
+        EXPECT_EQ(CFileUtility::GetFileNameFromPath(row.path), row.name);
+        EXPECT_EQ(CFileUtility::GetFileExt(row.path), row.extension);
+        EXPECT_EQ(CFileUtility::GetMimeType(row.path), row.type);
+    }
+}
+
+TEST(FileUtility, ShowsSizesByTheFirstUnitThatFits) {
+    const struct {
+        std::int32_t size;
+        const char* text;
+    } rows[] = {{INT32_MIN, "-2147483648" BYTES},
+                {0, "0" BYTES},
+                {1023, "1023" BYTES},
+                {1024, "1KB"},
+                {1536, "1KB"},
+                {1048575, "1023KB"},
+                {1048576, "1.00MB"},
+                {1073741823, "1024.00MB"},
+                {1073741824, "1.00GB"},
+                {INT32_MAX, "2.00GB"}};
+    for (const auto& row : rows)
+        EXPECT_EQ(CFileUtility::SizeAutoUnit(row.size), row.text);
+}
+
+TEST(FileUtility, AsksForFiles) {
+    const TempFolder folder;
+    const std::string path = folder / "a.bin";
+    TempFolder::Write(path, std::string(1536, 'x'));
+    EXPECT_EQ(CFileUtility::GetFileSizeString(path.c_str(), 0), "1536" BYTES);
+    EXPECT_EQ(CFileUtility::GetFileSizeString(path.c_str(), 2), "1KB");
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 32);
+    EXPECT_EQ(CFileUtility::GetFileSize(path.c_str()), INT32_MAX);
+    EXPECT_EQ(CFileUtility::GetFileSize((folder / "none").c_str()), 0);
+    EXPECT_EQ(CFileUtility::GetFileSize(folder.Path().c_str()), 0);
+    EXPECT_EQ(CFileUtility::Exists((folder / "*.b?n").c_str()), 1);
+    EXPECT_EQ(CFileUtility::Exists(folder.Path().c_str()), 1);
+    EXPECT_EQ(CFileUtility::Exists(nullptr), 0);
+    EXPECT_NE(CFileUtility::DeleteFileA(path.c_str()), 0);
+    EXPECT_EQ(CFileUtility::DeleteFileA(path.c_str()), 0);
+    EXPECT_EQ(CFileUtility::Exists(path.c_str()), 0);
+}
+
+TEST(FileUtility, MakesTextsSafeAsFileNames) {
+    CString name("..\\a/b:c,d;e*f?g\"h<i>j|k _\t");
+    CFileUtility::ReplaceProhibitedWords(name);
+    EXPECT_EQ(name, ".._a_b_c_d_e_f_g_h_i_j_k _\t");
+    CString japanese("\x83\x5C\x83|\x95\x5C");  // second bytes of a backslash and a bar
+    CFileUtility::ReplaceProhibitedWords(japanese);
+    EXPECT_EQ(japanese, "\x83\x5C\x83|\x95\x5C");
+    CString comment("#"), indented(" #"), empty;
+    EXPECT_EQ(CFileUtility::IsCommentLine(comment), 1);
+    EXPECT_EQ(CFileUtility::IsCommentLine(indented) + CFileUtility::IsCommentLine(empty), 0);
+}
+
+}  // namespace
