@@ -80,10 +80,12 @@ int CEMailWriter::WriteOriginFields() {
 int CEMailWriter::WriteDestinationFields() {
     using Size = unsigned int (CMailDoc::*)() const;
     using Get = const CAddress* (CMailDoc::*)(unsigned int) const;
-    const auto writeList = [this](const char* name, Size size, Get get, const CAddress* last) {
+    // The document by itself: g++ 12's sanitizer takes a pointer to member behind a captured this for one of the
+    // closure.
+    const auto writeList = [this, &doc = m_doc](const char* name, Size size, Get get, const CAddress* last) {
         CStringArray list;
-        for (unsigned int i = 0; i < (m_doc.*size)(); ++i)
-            if (const CAddress* address = (m_doc.*get)(i); address != nullptr)
+        for (unsigned int i = 0; i < (doc.*size)(); ++i)
+            if (const CAddress* address = (doc.*get)(i); address != nullptr)
                 Append(list, ConvAndEncodeAddress(*address));
         if (last != nullptr) Append(list, ConvAndEncodeAddress(*last));
         return list.GetSize() == 0 ? 1 : WriteAddressField(name, list);
