@@ -1,0 +1,52 @@
+#include "WriteCommand.h"
+
+#include <mailengine/mailengine.h>
+
+#include "Border.h"
+#include "Failure.h"
+#include "OutputTarget.h"
+
+namespace {
+
+// The library's text for the user, many lines of it perhaps, as one line.
+std::string OneLine(const CString& inside) {
+    std::string line;
+    for (const char ch : border::ToOutside(inside.View())) {
+        if (ch != '\r' && ch != '\n') {
+            line += ch;
+        } else if (!line.empty() && line.back() != ' ') {
+            line += ' ';
+        }
+    }
+    while (!line.empty() && line.back() == ' ')
+        line.pop_back();
+    return line;
+}
+
+}  // namespace
+
+CWriteCommand::CWriteCommand(CLI::App& program)
+    : m_pCommand(program.add_subcommand("write", "Write a mail to a message file")) {
+    m_letter.AddTo(*m_pCommand);
+    m_pCommand->add_option("-o,--output", m_strOutput, "The message file; - is standard output")
+        ->type_name("FILE")
+        ->required();
+    m_pCommand->footer(
+        "Texts are UTF-8. An existing FILE is replaced only by a whole message.\n"
+        "Exit status: 0 written, 1 failed, 2 the command line is wrong.");
+}
+
+void CWriteCommand::Run() const {
+    CMailDoc doc;
+    m_letter.Fill(doc);
+    COutputTarget target(m_strOutput);
+    m_letter.CheckTarget(target);
+
+    COutputStream& stream = target.Open();
+    CProgressCallback progress("", 0, nullptr);
+    CString error;
+    const int written = CEMailWriter(&stream, doc, progress).Write(error);
+    target.CheckWritten();
+    if (!written) throw CFailure(OneLine(error));
+    target.Commit();
+}

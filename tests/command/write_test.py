@@ -1,0 +1,190 @@
+#!/usr/bin/python3
+"""mailengine write as a user starts it. First argument: the command."""
+import os
+import pathlib
+import re
+import resource
+import signal
+import stat
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+sys.dont_write_bytecode = True
+from message_reader import Message  # noqa: E402
+
+COMMAND = os.path.abspath(sys.argv.pop(1))
+LEADING_FIELDS = b"From: "
+
+
+class WriteTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.out = self.folder / "out.eml"
+
+    def run_it(self, *arguments, **options):
+        options = {"stdin": subprocess.DEVNULL, "capture_output": True, "cwd": self.folder} | options
+        return subprocess.run([COMMAND, *arguments], **options)
+
+    def write(self, *arguments, **options):
+        return self.run_it("write", *arguments, **options)
+
+    def written(self, *arguments, **options):
+        result = self.write(*arguments, "-o", "-", **options)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        return Message(result.stdout)
+
+    def assert_fails(self, result, status, *words):
+        lines = result.stderr.decode().splitlines()
+        self.assertEqual((result.returncode, len(lines)), (status, 1), result.stderr)
+        self.assertTrue(lines[0].startswith("mailengine: "), lines)
+        for word in words:
+            self.assertIn(word, lines[0])
+
+    def assert_only(self, *names):
+        self.assertEqual(sorted(os.listdir(self.folder)), sorted(names))
+
+    def test_help_on_every_level(self):
+        for arguments, word in (["--help"], b"write"), (["write", "--help"], b"--body-file"):
+            result = self.run_it(*arguments)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            self.assertIn(word, result.stdout)
+
+    def test_a_wrong_command_line_ends_with_2(self):
+        for arguments, word in (
+            ([], "command"), (["wrote"], "wrote"), (["write"], "--output"), (["write", "-o"], "--output"),
+            (["write", "-o", "-", "--subjekt", "a"], "--subjekt"), (["write", "-o", "-", "b"], "b"),
+            (["write", "-o", "-", "--subject", "a", "--subject", "b"], "--subject"),
+            (["write", "-o", "-", "--body", "a", "--body-file", "-"], "--body"),
+        ):
+            with self.subTest(arguments):
+                self.assert_fails(self.run_it(*arguments), 2, word, "--help")
+
+    def test_refuses_before_anything_is_written(self):
+        (self.folder / "body").write_bytes("一\r\n二三𠮷".encode())
+        (self.folder / "sjis").write_bytes(b"\x93\xfa")
+        (self.folder / 'a".txt').touch()
+        (self.folder / "a\n.txt").touch()
+        (self.folder / "〜.txt").touch()
+        os.mkfifo(self.folder / "fifo")
+        for arguments, words in (
+            (["--subject", "件名😀"], ["--subject", "line 1, column 3", "😀", "--replace"]),
+            (["--body-file", "body"], ["body: line 2, column 3", "𠮷 (U+20BB7)"]),
+            (["--body-file", "sjis"], ["sjis", "byte 0x93"]),
+            (["--body-file", "none"], ["none", "No such file"]),
+            (["--subject", "a\r\nBcc: b@c"], ["--subject", "column 2", "one line"]),
+            (["--to", "a\n <b@c>"], ["--to"]), (["--mailer", "日本"], ["--mailer", "ASCII"]),
+            (["--to", ""], ["アドレスが入力されていません。"]),
+            (["--to", "日本@a"], ["アドレスに日本語が混じっています。"]),
+            (["--from", "山田 <a>"], ["--from", "山田 <a>", "アドレスの形式が不正です。"]),
+            (["--cc", "a@b, c@d"], ["--cc"]), (["--bcc", "A <a@b>, B <c@d>"], ["--bcc"]),
+            (["--reply-to", "a> <b@c>"], ["--reply-to"]), (["--to", "<a@b"], ["--to"]), (["--to", "A\\ <a@b>"], ["backslash"]),
+            (["--attach", "none"], ["--attach none", "No such file"]),
+            (["--attach", "."], ["regular file"]), (["--attach", "fifo"], ["regular file"]),
+            (["--attach", 'a".txt'], ["double quote"]), (["--attach", "a\n.txt"], ["a\\x0A.txt", "control"]),
+            (["--attach", "〜.txt"], ["〜"]),
+        ):
+            with self.subTest(arguments):
+                self.assert_fails(self.write(*arguments, "-o", self.out), 1, *words)
+                self.assertFalse(self.out.exists())
+        result = self.write("--subject", "a😀\x1b", "--replace", "-o", "-")
+        self.assert_fails(result, 1, "U+001B")
+
+    def test_takes_values_as_they_are(self):
+        mail = self.written("--subject", "[a,b]", "--body", "--from", "--signature", "-- ", "--to", "a@b", "--to", "<c@d>")
+        self.assertEqual(mail.subject(), "[a,b]")
+        self.assertEqual(mail.body(), "--from\r\n\r\n-- ")
+        self.assertEqual(mail.addresses("To"), [("", "a@b"), ("", "c@d")])
+
+    def test_names_of_the_ibm_extension_reach_another_reader(self):
+        name = "髙﨑①.txt"
+        (self.folder / name).write_bytes(b"\0\xff\r\n")
+        mail = self.written("--from", ' "髙橋 﨑子" <a@b> ', "--to", '"A \\"B\\"" <c@d>', "--subject", "髙😀", "--replace",
+                            "--body-file", "-", "--attach", name, input="\ufeff髙\n〜\rｶﾞ".encode(), stdin=None)
+        self.assertEqual(mail.addresses("From"), [("髙橋 﨑子", "a@b")])
+        self.assertEqual(mail.addresses("To"), [('A "B"', "c@d")])
+        self.assertEqual(mail.subject(), "髙〓")
+        self.assertEqual(mail.body(), "髙\r\n～\r\nガ")
+        self.assertEqual(mail.attachments(), [(name, b"\0\xff\r\n")])
+
+    def test_an_old_file_stays_until_the_new_message_is_whole(self):
+        self.out.write_text("old")
+        self.out.chmod(0o640)
+        link = self.folder / "link.eml"
+        link.symlink_to("out.eml")
+        big = self.folder / "big"
+        big.touch()
+        os.truncate(big, 200_000)
+
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100_000, 100_000))
+        self.assert_fails(self.write("--attach", "big", "-o", "link.eml", preexec_fn=limit), 1, "link.eml", "too large")
+        self.assertEqual(self.out.read_text(), "old")
+        self.assert_only("big", "link.eml", "out.eml")
+        self.assertEqual(self.write("--attach", "big", "-o", "link.eml").returncode, 0)
+        self.assertTrue(link.is_symlink())
+        self.assertTrue(self.out.read_bytes().startswith(LEADING_FIELDS))
+        self.assertEqual(stat.S_IMODE(self.out.stat().st_mode), 0o640)
+        self.assert_only("big", "link.eml", "out.eml")
+
+    def test_a_new_file_obeys_the_umask(self):
+        self.assertEqual(self.write("-o", "out.eml", umask=0o027).returncode, 0)
+        self.assertEqual(stat.S_IMODE(self.out.stat().st_mode), 0o640)
+        self.assert_only("out.eml")
+
+    def test_refuses_targets_that_are_no_place_for_a_message(self):
+        (self.folder / "dangling").symlink_to("nowhere")
+        for target, word in (".", "folder"), ("x/", "no file"), ("", "no file"), ("dangling", "link"), ("no/x", "no/x"):
+            with self.subTest(target):
+                self.assert_fails(self.write("-o", target), 1, word)
+        self.assert_only("dangling")
+
+    def test_never_writes_over_an_attachment(self):
+        self.out.write_text("mine")
+        os.link(self.out, self.folder / "hard")
+        (self.folder / "soft").symlink_to("out.eml")
+        for target in "out.eml", "./out.eml", "hard", "soft", "/dev/stdout", "-":
+            with self.subTest(target), open(self.out, "ab") as stdout:
+                result = self.write("--attach", "out.eml", "-o", target, capture_output=False, stdout=stdout,
+                                    stderr=subprocess.PIPE)
+                self.assert_fails(result, 1, "--attach out.eml", "-o")
+                self.assertEqual(self.out.read_text(), "mine")
+
+    def test_a_signal_takes_the_half_message_away(self):
+        endless = self.folder / "endless"
+        endless.touch()
+        os.truncate(endless, 1 << 40)
+        for number in signal.SIGINT, signal.SIGTERM:
+            with subprocess.Popen([COMMAND, "write", "--attach", "endless", "-o", "out.eml"], cwd=self.folder) as process:
+                while process.poll() is None and len(os.listdir(self.folder)) == 1:
+                    pass
+                process.send_signal(number)
+            self.assertEqual(process.returncode, -number)
+            self.assert_only("endless")
+
+    def test_notices_that_the_output_takes_no_more(self):
+        self.assert_fails(self.write("-o", "/dev/full"), 1, "/dev/full", "No space left")
+        with open("/dev/full", "wb") as full:
+            for arguments in ["write", "-o", "-"], ["--help"]:
+                result = self.run_it(*arguments, capture_output=False, stdout=full, stderr=subprocess.PIPE)
+                self.assert_fails(result, 1, "standard output")
+        reader, writer = os.pipe()
+        os.close(reader)
+        with open(writer, "wb") as pipe:
+            result = self.write("-o", "-", capture_output=False, stdout=pipe, stderr=subprocess.PIPE)
+        self.assert_fails(result, 1, "standard output", "Broken pipe")
+        self.assert_fails(self.write("-o", "-", preexec_fn=lambda: os.close(1)), 1, "standard output", "closed")
+        self.assertEqual(self.write("-o", "/dev/null").returncode, 0)
+        self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
+
+    def test_a_document_without_options_is_still_a_message(self):
+        result = self.write("-o", "-")
+        self.assertRegex(result.stdout, re.compile(rb"From: \r\nDate: .*\r\nMIME-Version: 1.0\r\n.*\r\n\r\n\Z", re.S))
+
+
+if __name__ == "__main__":
+    unittest.main()
