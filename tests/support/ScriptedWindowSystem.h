@@ -9,6 +9,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,7 +39,7 @@ public:
     }
     // The dialog made last of those that stand, null if none stands.
     HWND Dialog() const { return m_dialogs.empty() ? nullptr : m_dialogs.back(); }
-    std::size_t DialogCount() const { return m_dialogs.size(); }
+    int DialogCount() const { return static_cast<int>(m_dialogs.size()); }
     bool Enabled(HWND window) { return Known(window).enabled; }
     // The lines noted so far that begin with prefix, one text; forgets all.
     std::string TakeCalls(const std::string& prefix = "") {
@@ -47,72 +48,55 @@ public:
             if (line.starts_with(prefix)) text += line + "\n";
         return text;
     }
-    long CountCalls(const std::string& prefix) const {
-        return std::count_if(calls.begin(), calls.end(), [&](const auto& line) { return line.starts_with(prefix); });
-    }
 
     HWND MakeDialog(const platform::DialogTemplate& dialog, HWND parent) override {
-        const std::string line = " " + std::to_string(dialog.id) + " on " + NameOrNone(parent);
-        if (!makesDialogs) return Note("fail" + line), nullptr;
-        const std::string name = "dialog" + std::to_string(++m_made);
-        const HWND window = Add(name, parent);
-        m_dialogs.push_back(window);
-        for (const platform::DialogControl& control : dialog.controls)
-            Add(name + "." + std::to_string(control.id), window);
-        Note("make " + name + line);
-        return window;
+        const std::string name = makesDialogs ? "dialog" + std::to_string(++m_made) : "no";
+        const HWND window = makesDialogs ? Add(name, parent) : nullptr;
+        if (window != nullptr) {
+            m_dialogs.push_back(window);
+            for (const platform::DialogControl& control : dialog.controls)
+                Add(name + "." + std::to_string(control.id), window);
+        }
+        return Note("make", name, dialog.id, "on", NameOrNone(parent)), window;
     }
     HWND GetControl(HWND dialog, int id) override {
         const std::string name = Name(dialog) + "." + std::to_string(id);
-        for (const auto& [window, facts] : m_windows)
-            if (facts.name == name) return window;
-        return nullptr;
+        const auto found = std::ranges::find_if(m_windows, [&](const auto& one) { return one.second.name == name; });
+        return found == m_windows.end() ? nullptr : found->first;
     }
     void DestroyWindow(HWND window) override {
-        Note("destroy " + Name(window));
+        Note("destroy", Name(window));
         std::erase(m_dialogs, window);
         std::erase_if(m_windows, [&](const auto& one) { return one.first == window || one.second.parent == window; });
     }
-    void ShowWindow(HWND window, int state) override { Note("show " + Name(window) + " " + std::to_string(state)); }
+    void ShowWindow(HWND window, int state) override { Note("show", Name(window), state); }
     void EnableWindow(HWND window, int enable) override {
         Known(window).enabled = enable != 0;
-        Note("enable " + Name(window) + " " + std::to_string(enable));
+        Note("enable", Name(window), enable);
     }
-    void SetWindowText(HWND window, const CString& text) override {
-        Note("text " + Name(window) + " " + std::string(text.View()));
-    }
-    void SetProgressRange(HWND bar, int lowest, int highest) override {
-        Note("range " + Name(bar) + " " + std::to_string(lowest) + " " + std::to_string(highest));
-    }
-    void SetProgressPosition(HWND bar, int position) override {
-        Note("position " + Name(bar) + " " + std::to_string(position));
-    }
+    void SetWindowText(HWND window, const CString& text) override { Note("text", Name(window), text); }
+    void SetProgressRange(HWND bar, int low, int high) override { Note("range", Name(bar), low, high); }
+    void SetProgressPosition(HWND bar, int position) override { Note("position", Name(bar), position); }
     int MessageWaits() override { return !m_messages.empty(); }
     int PumpMessage() override {
         Note("pump");
         const std::function<void()> handler = std::move(m_messages.front());
         m_messages.pop_front();
-        handler();
-        return 1;
+        return handler(), 1;
     }
     int OnIdle(int count) override {
-        Note("idle " + std::to_string(count));
+        Note("idle", count);
         if (whenIdle) whenIdle();
         return 0;
     }
-    // The line of a box: owner, style in decimal, caption, text.
     int MessageBox(HWND owner, const CString& text, const CString& caption, unsigned int style) override {
-        Note("box " + NameOrNone(owner) + " " + std::to_string(style) + " " + std::string(caption.View()) + "|" +
-             std::string(text.View()));
-        return boxAnswer;
+        return Note("box", NameOrNone(owner), style, caption + "|" + text), boxAnswer;
     }
     int RunFileDialog(HWND owner, const FileDialogRequest& request, CString& path) override {
-        Note("files " + NameOrNone(owner) + " " + std::to_string(request.open) + " " +
-             std::string(request.fileName.View()));
+        Note("files", NameOrNone(owner), request.open, request.fileName);
         if (paths.empty()) return IDCANCEL;
         path = CString(paths.front().c_str());
-        paths.pop_front();
-        return IDOK;
+        return paths.pop_front(), IDOK;
     }
 
 private:
@@ -133,9 +117,13 @@ private:
     }
     std::string Name(HWND window) { return Known(window).name; }
     std::string NameOrNone(HWND window) { return window == nullptr ? "none" : Name(window); }
-    void Note(const std::string& line) {
-        calls.push_back(line);
-        if (whenNoted) whenNoted(line);
+    template <class... Parts>
+    void Note(const char* call, const Parts&... parts) {
+        std::ostringstream line;
+        line << call;
+        ((line << ' ' << parts), ...);
+        calls.push_back(line.str());
+        if (whenNoted) whenNoted(line.str());
     }
 
     CWindowSystem* m_before;
