@@ -9,27 +9,19 @@
 
 class TempFolder {
 public:
-    TempFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "mailengine-XXXXXX").string();
-        m_path = mkdtemp(name.data());
+    TempFolder() : m_path((std::filesystem::temp_directory_path() / "mailengine-XXXXXX").string()) {
+        if (mkdtemp(m_path.data()) == nullptr) std::abort();
     }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
+    ~TempFolder() { std::filesystem::remove_all(m_path); }
     TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
 
-    const std::string& Path() const { return m_path; }
     std::string operator/(const std::string& name) const { return m_path + "/" + name; }
 
     static std::string Read(const std::string& path) {
         std::ifstream in(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), {}};
     }
-    static void Write(const std::string& path, const std::string& bytes) {
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
+    static void Write(const std::string& path, const std::string& bytes) { std::ofstream(path) << bytes; }
 
 private:
     std::string m_path;

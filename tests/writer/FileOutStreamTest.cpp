@@ -1,20 +1,14 @@
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
+#include <tests/platform/TempFolder.h>
 
-#include <mailengine/support/platform/FileSystem.h>
 #include <mailengine/writer/FileOutStream.h>
 
 namespace {
 
-std::string ContentOf(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 TEST(FileOutStream, WritesTheTextUpToItsNulAndNothingWhileClosed) {
-    const std::string path = testing::TempDir() + "file-out-stream.eml";
+    const TempFolder folder;
+    const std::string path = folder / "out.eml";
     {
         CFileOutStream stream(path.c_str());
         EXPECT_EQ(stream.WriteString("early"), 0);
@@ -24,8 +18,7 @@ TEST(FileOutStream, WritesTheTextUpToItsNulAndNothingWhileClosed) {
         EXPECT_NE(stream.Open(), 0);  // an open stream stays as it is
         EXPECT_NE(stream.WriteString("\x82\xA0"), 0);
     }
-    EXPECT_EQ(ContentOf(path), "a\r\n\n\x82\xA0");
-    platform::DeleteFileA(path.c_str());
+    EXPECT_EQ(TempFolder::Read(path), "a\r\n\n\x82\xA0");
 }
 
 TEST(FileOutStream, TellsThatAWriteFailedUntilItIsOpenedAnew) {

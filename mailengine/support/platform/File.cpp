@@ -177,28 +177,26 @@ unsigned int CFile::Read(void* buffer, unsigned int count) {
     char* const out = static_cast<char*>(buffer);
     std::size_t done = 0;
     while (done < count) {
-        if (m_begin == m_end) {
-            const std::size_t wanted = count - done;
-            const bool direct = wanted >= kBufferBytes || !MakeBuffer();
-            const std::size_t got =
-                direct ? ReadThrough(out + done, wanted) : ReadThrough(m_buffer.get(), kBufferBytes);
-            if (got == 0) break;
-            if (direct) {
-                done += got;
-                continue;
-            }
-            m_begin = 0;
-            m_end = got;
-        }
-        const std::size_t taken = std::min(m_end - m_begin, count - done);
-        std::memcpy(out + done, m_buffer.get() + m_begin, taken);
-        m_begin += taken;
-        done += taken;
+        const std::size_t got = ReadSome(out + done, count - done);
+        if (got == 0) break;
+        done += got;
     }
     return static_cast<unsigned int>(done);
 }
 
-// One call of the system. 0: the end.
+// At least one of the next bytes, at most count, by one call of the system at the most. 0: the end.
+std::size_t CFile::ReadSome(char* buffer, std::size_t count) {
+    if (m_begin == m_end) {
+        if (count >= kBufferBytes || !MakeBuffer()) return ReadThrough(buffer, count);
+        m_end = ReadThrough(m_buffer.get(), kBufferBytes);
+        m_begin = 0;
+    }
+    const std::size_t taken = std::min(m_end - m_begin, count);
+    std::memcpy(buffer, m_buffer.get() + m_begin, taken);
+    m_begin += taken;
+    return taken;
+}
+
 std::size_t CFile::ReadThrough(char* buffer, std::size_t count) {
     const ssize_t got = Uninterrupted([&] { return read(m_descriptor, buffer, count); });
     if (got < 0) throw new CFileException(errno);
@@ -262,7 +260,8 @@ int CFile::WriteThrough(const char* data, std::size_t count) {
     WriteSignals signals;
     while (count > 0) {
         const ssize_t done = Uninterrupted([&] { return write(m_descriptor, data, count); });
-        if (done < 0) {
+        if (done <= 0) {
+            if (done == 0) return Refuse(EIO);  // a device that takes nothing would be asked for ever
             signals.Note(errno);
             return 0;
         }

@@ -74,6 +74,7 @@ private:
     int TryAppend(const char* data, std::size_t count);
     int Flush();
     int WriteThrough(const char* data, std::size_t count);
+    std::size_t ReadSome(char* buffer, std::size_t count);
     std::size_t ReadThrough(char* buffer, std::size_t count);
     int MakeBuffer();
 
