@@ -72,8 +72,9 @@ TEST(File, HoldsTheSameBytesAtEveryChunkSize) {
                 got = file.Read(piece.data(), static_cast<unsigned int>(chunk));
             EXPECT_TRUE(read == Bytes(size)) << size << " in chunks of " << chunk;
             struct stat status {};
-            EXPECT_EQ(stat(path.c_str(), &status), 0);  // room that was not used is given back
-            EXPECT_LE(status.st_blocks * 512, static_cast<long>(size) + status.st_blksize);
+            EXPECT_EQ(stat(path.c_str(), &status),
+                      0);  // room that was not used is given back; some blocks hold extents
+            EXPECT_LE(status.st_blocks * 512, static_cast<long>(size) + 3 * status.st_blksize);
         }
 }
 
