@@ -62,18 +62,18 @@ CString CEMailWriter::MakeNewBoundary() {
 int CEMailWriter::WriteMixed(const CString& body, const std::vector<FileInfo>& files, CString& error) {
     const CString boundary = MakeNewBoundary();
     if (WriteFieldValue("Content-Type", "multipart/mixed", OneParameter("boundary=" + boundary)) == 0) return 0;
-    m_pStream->WriteString(wire::kCrLf);
-    m_pStream->WriteString(Delimiter(boundary) + wire::kCrLf);
+    (void)m_pStream->WriteString(wire::kCrLf);
+    (void)m_pStream->WriteString(Delimiter(boundary) + wire::kCrLf);
     if (WriteBody(body, error) == 0) return 0;
     int status = 1;
     for (std::size_t i = 0; i < files.size() && status != 0; ++i) {
-        m_pStream->WriteString(wire::kCrLf + Delimiter(boundary) + wire::kCrLf);
+        (void)m_pStream->WriteString(wire::kCrLf + Delimiter(boundary) + wire::kCrLf);
         const bool mail = platform::mbscmp(CFileUtility::GetFileExt(files[i].Path), "eml") == 0;
         status = mail ? WriteEMail(files[i], error) : WriteFile(files[i], error);
     }
     // QUIRK: no CRLF in front of the closing delimiter (RFC 2046 5.1.1 counts it to the delimiter), so a reader takes
     // the last line end of the last part for it.
-    m_pStream->WriteString(Delimiter(boundary) + wire::kDelimiterHyphens + wire::kCrLf);
+    (void)m_pStream->WriteString(Delimiter(boundary) + wire::kDelimiterHyphens + wire::kCrLf);
     return status;
 }
 
@@ -96,7 +96,7 @@ int CEMailWriter::WriteAttachment(const FileInfo& file, const AttachmentKind& ki
         error = kind.fieldsFailed;
         return 0;
     }
-    m_pStream->WriteString(wire::kCrLf);
+    (void)m_pStream->WriteString(wire::kCrLf);
     CFile content;
     if (OpenAttachment(file.Path, content) == 0) {
         error = CString(texts::kAttachmentOpenFailed) + wire::kCrLf + file.Path;
@@ -141,6 +141,6 @@ int CEMailWriter::WriteMailContent(CFile& file) {
         status = 0;
     }
     file.Close();
-    m_pStream->WriteString(wire::kCrLf);
+    (void)m_pStream->WriteString(wire::kCrLf);
     return status;
 }

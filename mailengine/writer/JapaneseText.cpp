@@ -81,7 +81,7 @@ int CEMailWriter::WriteBody(const CString& body, CString& error) {
         status = WriteFieldValue("Content-Type", "text/plain");
     }
     if (status != 0) {
-        m_pStream->WriteString(wire::kCrLf);
+        (void)m_pStream->WriteString(wire::kCrLf);
         status = japanese ? WriteJapaneseText(body) : WritePlainText(body);
     }
     if (status == 0) error = texts::kBodyFailed;
