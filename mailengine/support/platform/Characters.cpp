@@ -83,7 +83,8 @@ std::size_t FindTextBeforeNul(std::string_view text, std::string_view needle) {
         // A match at the window's end cannot see the byte behind it, which may be a trail byte: the next window can.
         if (found == end && end < text.size()) found = kNone;
         const std::size_t passed = found == kNone ? end : found + needle.size();
-        if (std::memchr(text.data() + top, 0, passed - top) != nullptr) return kNone;
+        // An empty view may have no bytes to point at.
+        if (passed > top && std::memchr(text.data() + top, 0, passed - top) != nullptr) return kNone;
         if (found != kNone || end == text.size()) return found;
         top = end;
     }
