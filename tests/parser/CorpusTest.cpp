@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <tests/GoldenFile.h>
+#include <tests/FileBytes.h>
 #include <tests/TempFolder.h>
 #include <vector>
 
