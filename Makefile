@@ -17,7 +17,7 @@ help:
 	@echo "make clean     remove what was built"
 
 demo:
-	@scripts/setup
+	@scripts/setup demo
 	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF
 	@$(BUILD) release
 	@scripts/demo

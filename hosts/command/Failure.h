@@ -7,6 +7,7 @@
 
 inline constexpr int kExitFailed = 1;  // what was asked could not be done; nothing half done stays behind
 inline constexpr int kExitUsage = 2;   // the command line itself is wrong: an option unknown, missing or in conflict
+inline constexpr int kExitCancelled = 130;  // Ctrl-C ended it, as shells tell it (128 and the number of SIGINT)
 
 class CFailure : public std::runtime_error {
 public:

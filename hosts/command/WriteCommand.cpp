@@ -2,28 +2,9 @@
 
 #include <mailengine/mailengine.h>
 
-#include "Border.h"
 #include "Failure.h"
+#include "OneLine.h"
 #include "OutputTarget.h"
-
-namespace {
-
-// The library's text for the user, many lines of it perhaps, as one line.
-std::string OneLine(const CString& inside) {
-    std::string line;
-    for (const char ch : border::ToOutside(inside.View())) {
-        if (ch != '\r' && ch != '\n') {
-            line += ch;
-        } else if (!line.empty() && line.back() != ' ') {
-            line += ' ';
-        }
-    }
-    while (!line.empty() && line.back() == ' ')
-        line.pop_back();
-    return line;
-}
-
-}  // namespace
 
 CWriteCommand::CWriteCommand(CLI::App& program)
     : m_pCommand(program.add_subcommand("write", "Write a mail to a message file")) {

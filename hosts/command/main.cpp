@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "Failure.h"
+#include "SendCommand.h"
 #include "Utf8.h"
 #include "WriteCommand.h"
 
@@ -22,19 +23,25 @@ int Help(const std::string& text) {
 }
 
 int Run(int argc, char** argv) {
-    CLI::App program("Writes Japanese mails as Internet messages.", "mailengine");
+    CLI::App program("Writes and sends Japanese mails as Internet messages.", "mailengine");
     program.require_subcommand(0, 1);
     CWriteCommand write(program);
+    CSendCommand send(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         return Help(program.help());
     } catch (const CLI::ParseError& error) {
-        const std::string level = write.IsAsked() ? "mailengine write" : "mailengine";
+        const auto asked = program.get_subcommands();
+        const std::string level = asked.empty() ? "mailengine" : "mailengine " + asked.front()->get_name();
         return Fail(std::string(error.what()) + "; see " + level + " --help", kExitUsage);
     }
-    if (!write.IsAsked()) return Fail("a command is missing; see mailengine --help", kExitUsage);
-    write.Run();
+    if (write.IsAsked())
+        write.Run();
+    else if (send.IsAsked())
+        send.Run();
+    else
+        return Fail("a command is missing; see mailengine --help", kExitUsage);
     return 0;
 }
 

@@ -1,0 +1,173 @@
+#!/usr/bin/python3
+"""mailengine send against real mail servers on loopback. First argument: the command."""
+import os
+import pathlib
+import pty
+import re
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "servers"))
+sys.dont_write_bytecode = True
+from peers import Aiosmtpd, Postfix  # noqa: E402
+
+COMMAND = os.path.abspath(sys.argv.pop(1))
+# Every mix of dots and line ends, also at the borders of the pieces that the writer reads (1,023 bytes).
+MIX = b"MIME-Version: 1.0\r\n\r\n.\r\n..\r\n.a\n.b\r.c\r\r\n.\n.\r.\n\r\n\n\n\r\r.\r\n" + b"x" * 947 + b"\r\n.y\r"
+CHANGES = re.compile(rb"(?m)^(Date|Message-ID): .*\n|BOUNDARY_\w+")  # what differs between two runs
+LETTER = ["--from", "山田 <s@example.test>", "--to", "髙橋 <a@example.test>", "--subject", "日本語の件名", "--body",
+          "本文\n.\n..x\n", "--signature", "."]
+
+
+def on_the_wire(message):
+    """What a server stores of a message file: bare CR and LF made line ends, and the line end in front of the dot."""
+    return re.sub(rb"\r\n|\r|\n", b"\r\n", message) + b"\r\n"
+
+
+def same(message):
+    return CHANGES.sub(b"", message)
+
+
+class SendTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(folder.cleanup)
+        cls.folder = pathlib.Path(folder.name)
+        cls.folder.chmod(0o755)
+        (cls.folder / "mix.eml").write_bytes(MIX)
+        (cls.folder / "写真.bin").write_bytes(bytes(range(256)) * 100)
+        (cls.folder / "空.txt").write_bytes(b"")
+        cls.mails = {
+            "plain": ["--from", "s@example.test", "--to", "a@example.test", "--body", ".\n.x\n\n.", "--subject", "plain"],
+            "japanese": LETTER,
+            "attachments": LETTER + ["--attach", cls.folder / "写真.bin", "--attach", cls.folder / "空.txt",
+                                     "--attach", cls.folder / "mix.eml"],
+            "hundred": LETTER + [word for i in range(99) for word in ("--cc", f"c{i}@example.test")],
+        }
+
+    def run_it(self, *arguments):
+        return subprocess.run([COMMAND, *arguments], stdin=subprocess.DEVNULL, capture_output=True, timeout=120)
+
+    def send(self, port, *arguments):
+        return self.run_it("send", "--quiet", "--server", f"127.0.0.1:{port}", *arguments)
+
+    def message_of(self, *arguments):
+        result = self.run_it("write", *arguments, "-o", "-")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        return result.stdout
+
+    def serve(self, server):
+        self.addCleanup(server.stop)
+        return server
+
+    def test_a_peer_that_keeps_every_byte(self):
+        server = self.serve(Aiosmtpd(self.folder / "peer"))
+        for number, (name, arguments) in enumerate(self.mails.items()):
+            with self.subTest(name):
+                result = self.send(server.port, *arguments)
+                self.assertEqual((result.returncode, result.stdout, result.stderr), (0, b"", b""))
+                envelope, stored = server.mails()[number]
+                self.assertEqual(same(stored), same(on_the_wire(self.message_of(*arguments))))
+                self.assertEqual(envelope["from"], "s@example.test")
+                self.assertEqual(len(envelope["to"]), 100 if name == "hundred" else 1)
+
+    def test_postfix_at_its_strictest(self):
+        server = self.serve(Postfix(self.folder / "postfix"))
+        for number, name in enumerate(["plain", "japanese", "attachments"]):
+            with self.subTest(name):
+                result = self.send(server.port, *self.mails[name])
+                self.assertEqual((result.returncode, result.stderr), (0, b""))
+                stored = server.mails(number + 1)[number]
+                expected = on_the_wire(self.message_of(*self.mails[name])).replace(b"\r\n", b"\n")
+                self.assertEqual(same(stored), same(expected))
+        result = self.send(server.port, "--from", "s@example.test", "--to", "a@foreign.test", "--body", "x")
+        self.assertEqual(result.returncode, 1)
+        self.assertRegex(result.stderr, rb"^mailengine: the mail was not sent: 554 .*foreign\.test.*\n$")
+
+    def test_refusals_reach_the_user_and_nothing_arrives(self):
+        server = self.serve(Aiosmtpd(self.folder / "refusing", size_limit=20000))
+        for name, arguments, words in (
+                ("recipient", LETTER + ["--cc", "b@refused.test"], b"550 5.1.1 no such user here"),
+                ("size", self.mails["attachments"], b"552 Error: Too much mail data"),
+                ("missing file", LETTER + ["--attach", self.folder / "missing"], b"missing"),
+                ("101", self.mails["hundred"] + ["--cc", "one@more"], b"101 recipients"),
+                ("no recipient", LETTER[:2], b"--to"), ("no sender", LETTER[2:], b"--from")):
+            with self.subTest(name):
+                result = self.send(server.port, *arguments)
+                self.assertEqual(result.returncode, 1)
+                self.assertEqual(result.stderr.count(b"\n"), 1, result.stderr)
+                self.assertIn(words, result.stderr)
+        self.assertEqual(server.mails(), [])
+
+    def test_a_server_that_is_not_there(self):
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            port = free.getsockname()[1]
+        result = self.send(port, *LETTER)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("ソケット通信エラー(Connect)", result.stderr.decode())
+        for server in "", "h:", "h:0", "h:65536", "h:25x", "[::1", ":25":
+            self.assertEqual(self.run_it("send", "--server", server, *LETTER).returncode, 2, server)
+
+    def test_a_dry_run_prints_the_envelope_and_connects_to_nothing(self):
+        result = self.run_it("send", "--dry-run", "--server", "nowhere.invalid", "--sender-bcc", *LETTER)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertRegex(result.stdout.decode(), "^sender: s@example.test\nrecipient: a@example.test\n"
+                                                 "recipient: s@example.test\nsize: [0-9]+ bytes\n$")
+        size = int(re.search(rb"size: (\d+)", result.stdout)[1])
+        self.assertAlmostEqual(size, len(self.message_of("--sender-bcc", *LETTER)), delta=5)  # the process number
+
+    def press(self, presses):
+        """Starts a send to a server that says nothing, presses Ctrl-C so often; the exit status and the terminal."""
+        terminal, line = pty.openpty()
+        self.addCleanup(os.close, terminal)
+        with socket.create_server(("127.0.0.1", 0)) as silent:
+            process = subprocess.Popen([COMMAND, "send", "--server", f"127.0.0.1:{silent.getsockname()[1]}", *LETTER],
+                                       stdin=subprocess.DEVNULL, stderr=line, env=os.environ | {"TERM": "xterm"})
+            os.close(line)
+            connection, _ = silent.accept()
+            with connection:
+                for _ in range(presses):
+                    process.send_signal(signal.SIGINT)
+                status = process.wait(30)
+        return status, os.read(terminal, 65536).decode()
+
+    def test_ctrl_c_cancels_and_a_second_one_ends(self):
+        status, shown = self.press(1)
+        self.assertEqual(status, 130)
+        self.assertRegex(shown, r"\r\x1b\[K送信中 \[-{30}\] 0%.*\r\nmailengine: cancelled; the mail was not sent\r\n$")
+        status, _ = self.press(40)
+        self.assertIn(status, (130, -signal.SIGINT))
+
+    def test_progress_reaches_its_end(self):
+        server = self.serve(Aiosmtpd(self.folder / "shown"))
+        terminal, line = pty.openpty()
+        seen = []
+        reader = threading.Thread(target=lambda: seen.extend(iter(lambda: self.read(terminal), b"")))
+        arguments = [COMMAND, "send", "--server", f"127.0.0.1:{server.port}", *self.mails["attachments"]]
+        process = subprocess.Popen(arguments, stdin=subprocess.DEVNULL, stderr=line, env=os.environ | {"TERM": "xterm"})
+        os.close(line)
+        reader.start()
+        self.assertEqual(process.wait(60), 0)
+        reader.join()
+        os.close(terminal)
+        shown = b"".join(seen).decode()
+        self.assertTrue(shown.endswith("[" + "#" * 30 + "] 100%\r\n"), shown)
+        plain = self.run_it("send", "--server", f"127.0.0.1:{server.port}", *LETTER)
+        self.assertEqual(plain.stderr.decode(), "送信中...\n送信中: 100%\n")
+
+    @staticmethod
+    def read(terminal):
+        try:
+            return os.read(terminal, 65536)
+        except OSError:  # the other end is closed
+            return b""
+
+
+if __name__ == "__main__":
+    unittest.main()
