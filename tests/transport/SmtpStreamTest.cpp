@@ -52,15 +52,4 @@ TEST(SmtpStream, EndsAMailInFourWays) {
         }
 }
 
-TEST(SmtpStream, KeepsTheReasonOfAFailedOpen) {
-    const CFixedSystem system;
-    ScriptedPeer peer("220|250|250|550 who?|221");
-    CSmtpStream stream("127.0.0.1", peer.port, "a@b", Array({"c@d"}));
-    EXPECT_FALSE(stream.Open());
-    CString detail;
-    stream.GetErrorDetail(detail);
-    EXPECT_EQ(Bytes(detail), "550 who?");
-    EXPECT_TRUE(peer.Received().ends_with("RCPT TO:<c@d>\r\nQUIT\r\n"));
-}
-
 }  // namespace
