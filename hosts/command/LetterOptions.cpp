@@ -63,15 +63,6 @@ void CheckPlainName(const CAddress& address, std::string_view text, const char* 
     throw CFailure(Quoted(option, text) + "a backslash in a plain name cannot be carried; leave it out");
 }
 
-// A Japanese name keeps the quotes that the user typed around it; the reader would see them.
-void DropQuotes(CAddress& address) {
-    const CString name = address.GetDisplayName();
-    const std::string_view view = name.View();
-    if (view.size() >= 2 && view.front() == '"' && view.back() == '"') {
-        address.SetDisplayName(CString(view.substr(1, view.size() - 2)));
-    }
-}
-
 }  // namespace
 
 void CLetterOptions::AddTo(CLI::App& command) {
@@ -187,4 +178,12 @@ void CLetterOptions::FillAttachments(CMailDoc& doc) const {
     for (const std::string& path : m_strAttachments)
         files.push_back(AttachmentOf(path));
     doc.SetFiles(files);
+}
+
+void DropQuotes(CAddress& address) {
+    const CString name = address.GetDisplayName();
+    const std::string_view view = name.View();
+    if (view.size() >= 2 && view.front() == '"' && view.back() == '"') {
+        address.SetDisplayName(CString(view.substr(1, view.size() - 2)));
+    }
 }

@@ -26,6 +26,9 @@ public:
     // Throws CFailure if target is one of the attachments.
     void CheckTarget(const COutputTarget& target) const;
 
+    // Whether the body comes from standard input.
+    bool ReadsStandardInput() const { return m_strBodyFile == "-"; }
+
 private:
     using Text = std::optional<std::string>;
     using Texts = std::vector<std::string>;
@@ -50,3 +53,6 @@ private:
     bool m_bUpperReply = false;
     bool m_bReplace = false;
 };
+
+// Takes the double quotes off that FromText leaves around a Japanese name: readers would see them.
+void DropQuotes(CAddress& address);

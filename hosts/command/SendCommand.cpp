@@ -119,8 +119,7 @@ void Send(const CMailDoc& doc, bool quiet) {
 
 }  // namespace
 
-CSendCommand::CSendCommand(CLI::App& program)
-    : m_pCommand(program.add_subcommand("send", "Send a mail to a mail server")) {
+CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send a mail to a mail server") {
     m_letter.AddTo(*m_pCommand);
     m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given")
         ->type_name("HOST[:PORT]")
@@ -144,7 +143,7 @@ void CSendCommand::SetServer(CMailDoc& doc) const {
     doc.SetSendServer(border::ToInside(server.host, border::Extent::Line, border::Missing::Refuse, "--server"), port);
 }
 
-void CSendCommand::Run() const {
+int CSendCommand::Run() const {
     CMailDoc doc;
     SetServer(doc);
     m_letter.Fill(doc);
@@ -153,4 +152,5 @@ void CSendCommand::Run() const {
         PrintEnvelope(doc);
     else
         Send(doc, m_bQuiet);
+    return 0;
 }

@@ -1,27 +1,18 @@
 // CSendCommand: mailengine send, a mail from options to a mail server.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <string>
-
+#include "Command.h"
 #include "LetterOptions.h"
 
-class CSendCommand {
+class CSendCommand : public CCommand {
 public:
-    // Adds the command to the program; this object must outlive the parse.
     explicit CSendCommand(CLI::App& program);
-    CSendCommand(const CSendCommand&) = delete;
-    CSendCommand& operator=(const CSendCommand&) = delete;
-
-    // Whether the command line asked for this command.
-    bool IsAsked() const { return m_pCommand->parsed(); }
     // Sends the mail, whole or not at all. Throws CFailure.
-    void Run() const;
+    int Run() const override;
 
 private:
     void SetServer(CMailDoc& doc) const;
 
-    CLI::App* m_pCommand;  // the program's
     CLetterOptions m_letter;
     std::string m_strServer;
     bool m_bDryRun = false;

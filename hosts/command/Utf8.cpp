@@ -25,13 +25,6 @@ bool IsCharacter(char32_t code) {
     return code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
 }
 
-// Controls, and format characters that hide or reorder what stands around them.
-bool IsUnseen(char32_t code) {
-    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0xAD || (code >= 0x200B && code <= 0x200F) ||
-           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF ||
-           (code >= 0xFFF9 && code <= 0xFFFB) || code >= 0xE0000;
-}
-
 std::string Hex(char32_t code, int digits) {
     std::string text;
     for (int shift = 20; shift >= 0; shift -= 4) {
@@ -74,6 +67,12 @@ void utf8::Append(std::string& text, char32_t code) {
         tail(6);
         tail(0);
     }
+}
+
+bool utf8::IsUnseen(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0xAD || (code >= 0x200B && code <= 0x200F) ||
+           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF ||
+           (code >= 0xFFF9 && code <= 0xFFFB) || code >= 0xE0000;
 }
 
 std::string utf8::Shown(std::string_view text) {

@@ -17,6 +17,9 @@ Character CharacterAt(std::string_view text, std::size_t offset);
 // Appends code, which must be a character that UTF-8 can hold.
 void Append(std::string& text, char32_t code);
 
+// Whether code is a control character, or one that hides or reorders what stands around it.
+bool IsUnseen(char32_t code);
+
 // The text as a terminal may get it, on one line: a control character, a character that is not seen or that turns the
 // direction of writing, and a byte that is not UTF-8 are spelled (\x1B, \u202E), all else stays.
 std::string Shown(std::string_view text);

@@ -2,47 +2,53 @@
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <exception>
-#include <iostream>
+#include <memory>
 
 #include "Failure.h"
+#include "ReadCommand.h"
+#include "ReplyCommand.h"
 #include "SendCommand.h"
-#include "Utf8.h"
+#include "SubjectCommand.h"
+#include "Terminal.h"
 #include "WriteCommand.h"
 
 namespace {
 
 int Fail(const std::string& text, int status) {
-    std::cerr << "mailengine: " << utf8::Shown(text) << '\n';
+    terminal::Complain(text);
     return status;
 }
 
-// Help is an answer like any other: it counts only if it got out.
 int Help(const std::string& text) {
-    std::cout << text << std::flush;
-    return std::cout ? 0 : Fail("standard output: cannot be written", kExitFailed);
+    terminal::Put(text);
+    terminal::Finish();
+    return 0;
 }
 
 int Run(int argc, char** argv) {
-    CLI::App program("Writes and sends Japanese mails as Internet messages.", "mailengine");
+    CLI::App program("Writes, sends, reads and answers Japanese mails as Internet messages.", "mailengine");
     program.require_subcommand(0, 1);
-    CWriteCommand write(program);
-    CSendCommand send(program);
+    const std::unique_ptr<const CCommand> commands[] = {
+        std::make_unique<CWriteCommand>(program), std::make_unique<CReplyCommand>(program),
+        std::make_unique<CReadCommand>(program),  std::make_unique<CSubjectCommand>(program),
+        std::make_unique<CSendCommand>(program),
+    };
+    const auto asked = [&]() -> const CCommand* {
+        for (const auto& command : commands) {
+            if (command->IsAsked()) return command.get();
+        }
+        return nullptr;
+    };
     try {
         program.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         return Help(program.help());
     } catch (const CLI::ParseError& error) {
-        const auto asked = program.get_subcommands();
-        const std::string level = asked.empty() ? "mailengine" : "mailengine " + asked.front()->get_name();
+        const std::string level = asked() != nullptr ? "mailengine " + asked()->Name() : "mailengine";
         return Fail(std::string(error.what()) + "; see " + level + " --help", kExitUsage);
     }
-    if (write.IsAsked())
-        write.Run();
-    else if (send.IsAsked())
-        send.Run();
-    else
-        return Fail("a command is missing; see mailengine --help", kExitUsage);
-    return 0;
+    if (asked() == nullptr) return Fail("a command is missing; see mailengine --help", kExitUsage);
+    return asked()->Run();
 }
 
 }  // namespace

@@ -1,0 +1,45 @@
+#include "ReadCommand.h"
+
+#include "Failure.h"
+#include "MessageFile.h"
+#include "OpenedMail.h"
+#include "Terminal.h"
+#include "Utf8.h"
+
+CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show messages and extract attachments") {
+    m_pCommand->add_option("FILE", m_strFiles, "The messages, one in each; none or - is standard input");
+    m_pCommand->add_option("--extract", m_strFolder, "Put the attachments into this folder; made if it is missing")
+        ->type_name("DIR");
+    m_pCommand->add_flag("--json", m_bJson, "One JSON object a line for each message");
+    m_pCommand->add_flag("--headers", m_bHeaders, "Show the header block as it stands");
+    m_pCommand->footer(
+        "Control characters are spelled (\\x1B). Lines may end in CRLF or LF. No file in DIR is replaced; a message\n"
+        "that cannot be read to its end may leave some of its attachments there.\n"
+        "Exit status: 0, or 1 if any message could not be read; what could be read is still shown.");
+}
+
+int CReadCommand::Run() const {
+    int status = 0;
+    for (const std::string& path : m_strFiles.empty() ? std::vector<std::string>{"-"} : m_strFiles) {
+        try {
+            Read(path);
+        } catch (const CFailure& failure) {
+            terminal::Complain(failure.what());
+            status = kExitFailed;
+        }
+    }
+    terminal::Finish();
+    return status;
+}
+
+void CReadCommand::Read(const std::string& path) const {
+    OpenedMail opened;
+    OpenMail(ReadMessage(path), m_strFolder ? &*m_strFolder : nullptr, opened);
+    if (m_bJson) {
+        terminal::Put(JsonOfMail(opened, m_bHeaders, path));
+    } else {
+        if (m_strFiles.size() > 1) terminal::Put("==> " + utf8::Shown(path) + " <==\n");
+        terminal::Put(ShownMail(opened, m_bHeaders) + (m_strFiles.size() > 1 ? "\n" : ""));
+    }
+    if (!opened.fault.empty()) throw CFailure(NameOfMessage(path) + ": " + opened.fault);
+}

@@ -1,0 +1,47 @@
+#include "SubjectCommand.h"
+
+#include <mailengine/mailengine.h>
+
+#include "Diagnosis.h"
+#include "Failure.h"
+#include "MailText.h"
+#include "MessageFile.h"
+#include "Terminal.h"
+#include "Utf8.h"
+
+CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject", "Show the subjects of messages") {
+    m_pCommand->add_option("FILE", m_strFiles, "The messages; - is standard input")->required();
+    m_pCommand->footer(
+        "One line each: of one FILE the subject, of many FILE, a TAB and the subject.\n"
+        "Exit status: 0, or 1 if any message could not be read; the others are still shown.");
+}
+
+int CSubjectCommand::Run() const {
+    int status = 0;
+    for (const std::string& path : m_strFiles) {
+        try {
+            ShowSubject(path);
+        } catch (const CFailure& failure) {
+            terminal::Complain(failure.what());
+            status = kExitFailed;
+        }
+    }
+    terminal::Finish();
+    return status;
+}
+
+void CSubjectCommand::ShowSubject(const std::string& path) const {
+    const CString mail = ReadMessage(path);
+    CString subject;
+    const bool isRead = CEMailPerser().GetSubject(mail, subject) != 0;
+    CMailDoc rest;
+    if (!isRead) {  // the header may hold one all the same
+        CEMailPerser().Perse(mail, nullptr, rest, 1);
+        rest.GetSubject(subject);
+    }
+    const std::string label = m_strFiles.size() == 1 ? "" : utf8::Shown(path) + '\t';
+    terminal::Put(label + mailtext::LineShown(subject.View()) + '\n');
+    if (isRead) return;
+    const CWorkFolder folder;
+    throw CFailure(NameOfMessage(path) + ": " + CDiagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
+}

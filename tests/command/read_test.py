@@ -1,0 +1,211 @@
+#!/usr/bin/python3
+"""mailengine read, reply and subject as a user starts them. First argument: the command."""
+import base64
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
+sys.dont_write_bytecode = True
+from message_reader import Message  # noqa: E402
+
+COMMAND = os.path.abspath(sys.argv.pop(1))
+
+
+def word(text, charset="iso-2022-jp"):
+    data = text if isinstance(text, bytes) else text.encode(charset)
+    return "=?%s?B?%s?=" % (charset, base64.b64encode(data).decode())
+
+
+def mail(body=b"text\r\n", subject="trait", fields="", sender="A <a@b>", to="c@d", kind="text/plain"):
+    head = (f"From: {sender}\r\nTo: {to}\r\nSubject: {subject}\r\n{fields}MIME-Version: 1.0\r\n"
+            f"Content-Type: {kind}\r\n\r\n")
+    return head.encode() + body
+
+
+def mixed(*parts, closing="\r\n--b--\r\n"):
+    body = "".join("\r\n--b\r\n" + part for part in parts) + closing
+    return mail(body.encode(), kind="multipart/mixed; boundary=b")
+
+
+def file(name, data="x"):
+    return f'Content-Type: application/octet-stream; name="{name}"\r\n\r\n{data}'
+
+
+class ReadTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.temporary = self.folder / "tmp"
+        self.temporary.mkdir()
+
+    def tearDown(self):
+        self.assertEqual(os.listdir(self.temporary), [], "a temporary folder stays")
+
+    def run_it(self, *arguments, data=b"", status=0, complaints=()):
+        result = subprocess.run([COMMAND, *arguments], input=data, capture_output=True, cwd=self.folder,
+                                env=os.environ | {"TMPDIR": str(self.temporary)})
+        lines = result.stderr.decode().splitlines()
+        self.assertEqual((result.returncode, len(lines)), (status, len(complaints)), result.stderr)
+        for line, words in zip(lines, complaints):
+            self.assertTrue(line.startswith("mailengine: "), line)
+            self.assertIn(words, line)
+        return result.stdout
+
+    def opened(self, data, *arguments, **expected):
+        lines = self.run_it("read", "--json", *arguments, data=data, **expected).splitlines()
+        return json.loads(lines[0])
+
+    def reply(self, data, *arguments, complaints=()):
+        return self.run_it("reply", "-", "--from", "me@x", *arguments, "-o", "-", data=data, complaints=complaints)
+
+    def test_shows_text_of_every_charset_and_line_end(self):
+        jis = mail("日本\r\nB".encode("iso-2022-jp"), word("件名"), kind="text/plain; charset=iso-2022-jp")
+        utf8 = mail("日本\r\nB".encode(), "件名")
+        cp932 = utf8.decode().encode("cp932")
+        for name, data in ("jis", jis), ("utf8", utf8), ("cp932", cp932), ("lf", jis.replace(b"\r\n", b"\n")):
+            with self.subTest(name):
+                shown = self.run_it("read", data=data).decode()
+                self.assertIn(" Subject: 件名\n", shown)
+                self.assertTrue(shown.endswith("\n\n日本\nB\n"), shown)
+        mixed_ends = mail(b"a\nb\r\nc\r\n")
+        self.assertEqual(self.opened(mixed_ends)["body"], "a\nb\r\nc\r\n")
+        self.assertEqual(self.opened(mail(b"\xff\x31"))["body"], "\ufffd1")
+
+    def test_nothing_reaches_the_terminal_that_it_would_obey(self):
+        evil = word(b"a\r\n\x1b[2J\x07" + "\u009b\u202e".encode(), "utf-8")
+        data = mail("x\x1b]0;t\x07\r\n\ty\x9b\r".encode(), evil, sender=f'"{evil}" <a@b>')
+        for arguments in [], ["--headers"], ["--json"], ["--json", "--headers"]:
+            with self.subTest(arguments):
+                shown = self.run_it("read", *arguments, data=data).decode()
+                self.assertFalse([ch for ch in shown if ch not in "\n\t" and not ch.isprintable()], shown)
+        self.assertIn("x\\x1B]0;t\\x07\n\ty\\x9B\\x0D\n", self.run_it("read", data=data).decode())
+        self.assertEqual(self.run_it("subject", "-", data=data), b"a\\x0D\\x0A\\x1B[2J\\x07\\x9B\\u202E\n")
+
+    def test_json_holds_the_document(self):
+        data = mail(subject=word("件"), to=f"{word('山田')} <c@d>, e@f", fields="Cc: g@h\r\nMessage-ID: <1@x>\r\n"
+                    "References: <0@x>\r\nDate: Thu, 19 Nov 2026 10:30:49 +0900\r\n")
+        read = self.opened(data, "--headers")
+        self.assertIn("To:      山田 <c@d>;e@f\r\n", read.pop("summary"))
+        self.assertTrue(read.pop("headers").startswith("From: A <a@b>\r\n"))
+        self.assertEqual(read, {
+            "file": "-", "ok": True, "subject": "件", "from": [{"name": "A", "address": "a@b"}],
+            "to": [{"name": "山田", "address": "c@d"}, {"name": "", "address": "e@f"}],
+            "cc": [{"name": "", "address": "g@h"}], "date": "Thu, 19 Nov 2026 10:30:49 +0900",
+            "messageId": "<1@x>", "references": "<0@x>", "body": "text\r\n", "files": []})
+
+    def test_attachments_stay_inside_the_folder(self):
+        names = "a.txt", "a.txt", "../up", "/etc/x", word("表.txt"), word(b"\x1b[2J.txt", "utf-8"), "c\\d"
+        (self.folder / "out").mkdir()
+        (self.folder / "out" / "a.txt").write_text("mine")
+        data = mixed(*(file(name, str(i)) for i, name in enumerate(names)))
+        files = self.opened(data, "--extract", "out")["files"]
+        self.assertEqual([f["size"] for f in files], [1] * len(names))
+        self.assertEqual([(self.folder / f["path"]).read_text() for f in files], list("0123456"))
+        self.assertEqual({str(pathlib.Path(f["path"]).parent) for f in files}, {"out"})
+        self.assertEqual((self.folder / "out" / "a.txt").read_text(), "mine")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out", "tmp"])
+        self.assertIn("\n  a.txt, 1 bytes\n", self.run_it("read", data=data).decode())
+        self.assertEqual(sorted(os.listdir(self.folder)), ["out", "tmp"])
+        self.opened(data, "--extract", "new/deep/")
+        self.assertEqual(len(os.listdir(self.folder / "new/deep")), len(names))
+        self.opened(mixed(file(".."), file(".")), "--extract", "odd")
+        long = mixed(file("x" * 300))
+        self.run_it("read", "--extract", "odd", data=long, status=1, complaints=["name that no file can have"])
+        self.assertEqual(len(os.listdir(self.folder / "odd")), 2)
+        (self.folder / "odd").chmod(0o500)
+        if os.geteuid() != 0:
+            self.run_it("read", "--extract", "odd", data=data, status=1, complaints=["written into odd"])
+        self.assertEqual(sorted(os.listdir(self.folder)), ["new", "odd", "out", "tmp"])
+
+    def test_names_the_fault_and_shows_what_could_be_read(self):
+        attached = "Content-Type: message/rfc822\r\n\r\nSubject: in\r\n\r\nx\r\n"
+        for data, words in (
+            (b"", "is empty"),
+            (mail().replace(b"MIME-Version: 1.0\r\n", b""), "no MIME-Version 1.0"),
+            (mail().replace(b"1.0", b"1.0 (x)"), "MIME-Version is '1.0 (x)'"),
+            (mail(kind="multipart/mixed"), "boundary parameter"),
+            (mail(kind="multipart/related; boundary=b"), "no delimiter of its boundary 'b'"),
+            (mixed(file("a"), closing=""), "closing delimiter is missing of boundary 'b'"),
+            (mixed(file("a"), file("b", "\0")), "NUL"),
+            (mixed(file("a"), "Content-Type: text/html\r\n\r\nx"), "2: a part of type 'text/html'"),
+            (mixed(file("a", "")[:-2] + "\r\n", closing="--b--\r\n"), "last attachment is empty"),
+            (mixed(attached), "1: the attached mail cannot be read: it has no MIME-Version 1.0"),
+            (mixed("Content-Type: multipart/alternative; boundary=c\r\n\r\n--c\r\n\r\nx"), "boundary 'c'"),
+        ):
+            with self.subTest(words):
+                shown = self.run_it("read", data=data, status=1, complaints=[words]).decode()
+                self.assertEqual("Subject: trait" in shown, data != b"")
+                (self.folder / "mail").write_bytes(data)
+                read = self.opened(b"", "mail", status=1, complaints=["mail: "])
+                self.assertIn(words, read["error"])
+        (self.folder / "full").touch()
+        self.run_it("read", "--extract", "full", data=mail(), status=1, complaints=["--extract full"])
+
+    def test_a_failing_file_does_not_stop_the_others(self):
+        (self.folder / "good").write_bytes(mail(subject="one"))
+        (self.folder / "bad").write_bytes(b"Subject: two\n\nx\n")
+        complaints = ["none: ", "bad: cannot be read as a mail"]
+        files = "good", "none", "bad", "good"
+        shown = self.run_it("read", *files, status=1, complaints=complaints).decode()
+        self.assertEqual([line for line in shown.splitlines() if "Subject" in line],
+                         [" Subject: one", " Subject: two", " Subject: one"])
+        lines = self.run_it("subject", *files, status=1, complaints=complaints)
+        self.assertEqual(lines, b"good\tone\nbad\ttwo\ngood\tone\n")
+
+    def test_nothing_of_the_answered_mail_adds_a_field(self):
+        evil = word(b"x\r\nBcc: evil@x\0\x1by", "utf-8")
+        data = mail(subject=evil, sender=f'"{evil}\\\\" <a@b>', to=f'{evil} <c{evil}@d>, e@f> SIZE=1, "g" <g@h>',
+                    fields=f"Message-ID: <1{evil}@x>\r\nReferences: <0@x>\r\n\t<{evil}\r\n")
+        out = self.reply(data, complaints=["left out"] * 2)
+        names = [line.split(b":")[0] for line in out.split(b"\r\n\r\n")[0].split(b"\r\n") if line[:1] not in b" \t"]
+        self.assertEqual(len(names), len(set(names)))
+        self.assertNotIn(b"Bcc", names)
+        self.assertFalse(set(out.split(b"\r\n\r\n")[0]) - set(range(32, 127)) - set(b"\r\n\t"))
+        read = Message(out)
+        self.assertEqual([address for _, address in read.addresses("To") + read.addresses("Cc")], ["a@b", "g@h"])
+
+    def test_reply_refers_back_and_quotes(self):
+        data = mail("日本😀\r\n\r\nB\r\n\r\n".encode(), "件名", "Message-ID: <2@x>\r\nReferences: <0@x>\r\n <1@x>\r\n")
+        summary = " From:    A <a@b>\r\n To:      c@d\r\n Date:    \r\n Subject: 件名\r\n"
+        quoted = summary + "\r\n> 日本〓\r\n> \r\n> B\r\n"
+        out = self.reply(data, "--body", "はい", "--closing", "敬具", "--to", "z@z")
+        read = Message(out)
+        self.assertEqual(read.subject(), "Re: 件名")
+        self.assertEqual(read.body(), quoted + "\r\nはい\r\n\r\n敬具")
+        self.assertEqual(read.addresses("To"), [("A", "a@b"), ("", "z@z")])
+        self.assertEqual(read.addresses("Cc"), [("", "c@d")])
+        self.assertIn(b"InReplyTo: <2@x>\r\nReferences: <0@x>\r\n\t<1@x>\r\n\t<2@x>\r\n", out)
+        upper = Message(self.reply(data, "--upper-reply", "--body", "はい", "--closing", "敬具", "--subject", "別"))
+        self.assertEqual(upper.subject(), "別")
+        self.assertEqual(upper.body(), "はい\r\n\r\n敬具\r\n\r\n\r\n----- Original Message -----\r\n" + quoted)
+        for subject, expected in ("RE: a", "RE: a"), ("Rea", "Re: Rea"), ("", "Re: "):
+            self.assertEqual(Message(self.reply(mail(subject=subject))).subject().strip(), expected.strip())
+
+    def test_reply_never_loses_a_file(self):
+        (self.folder / "in").write_bytes(mail())
+        self.run_it("reply", "in", "-o", "in", status=1, complaints=["in: is also the file to write"])
+        self.run_it("reply", "-", "--body-file", "-", "-o", "-", status=2, complaints=["standard input"])
+        self.run_it("reply", "-", "-o", "out", data=b"x\n", status=1, complaints=["no MIME-Version 1.0"])
+        self.assertEqual(sorted(os.listdir(self.folder)), ["in", "tmp"])
+
+    def test_write_warns_of_a_mail_that_cannot_be_read_again(self):
+        (self.folder / "empty").touch()
+        (self.folder / "bare.eml").write_bytes(b"Subject: x\r\n\r\nx")
+        (self.folder / "whole.eml").write_bytes(mail())
+        for files, words in ((["bare.eml", "empty"], "bare.eml"), (["whole.eml", "empty"], "empty"),
+                             (["empty", "whole.eml"], None)):
+            with self.subTest(files):
+                attach = [option for name in files for option in ("--attach", name)]
+                complaints = [words] if words else []
+                out = self.run_it("write", *attach, "-o", "-", complaints=complaints)
+                self.run_it("read", data=out, status=1 if words else 0, complaints=["cannot"] if words else [])
+
+
+if __name__ == "__main__":
+    unittest.main()
