@@ -1,10 +1,10 @@
 // CLanguage: worked bytes of both directions, half-width kana, cuts, and both conversions against their rules written
 // out one by one.
-#include <array>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <mailengine/encoding/Language.h>
@@ -14,19 +14,15 @@ namespace {
 
 using Bytes = std::string;
 
-unsigned int SizeOf(const Bytes& text) {
-    return static_cast<unsigned int>(text.size());
-}
-
 Bytes ToJis(const Bytes& text, const Bytes& front = "") {
     CString out{std::string_view(front)};
-    CLanguage::SJIS_JIS(text.c_str(), SizeOf(text), out);
+    CLanguage::SJIS_JIS(text.c_str(), static_cast<unsigned int>(text.size()), out);
     return Bytes(out.View());
 }
 
 Bytes ToShiftJis(const Bytes& text) {
     CString out("old");
-    CLanguage::JIS_SJIS(text.data(), SizeOf(text), out);
+    CLanguage::JIS_SJIS(text.data(), static_cast<unsigned int>(text.size()), out);
     return Bytes(out.View());
 }
 
@@ -84,11 +80,8 @@ Bytes LiteralToShiftJis(const Bytes& text) {
             plain = false;
         } else if (plain) {
             out += c;
-        } else if (e && c == '(') {
-            p = true;
-            e = false;
-        } else if (e && c == '$') {
-            d = true;
+        } else if (e && (c == '(' || c == '$')) {
+            (c == '(' ? p : d) = true;
             e = false;
         } else if (p && (c == 'B' || c == 'J' || c == 'H' || c == 'I')) {
             kanji = p = false;
@@ -105,14 +98,6 @@ Bytes LiteralToShiftJis(const Bytes& text) {
     return Bytes(out.c_str());
 }
 
-// A text of random length whose bytes come from the alphabet.
-Bytes RandomText(std::mt19937& random, const Bytes& alphabet, std::size_t length) {
-    Bytes text(length, '\0');
-    for (char& c : text)
-        c = alphabet[random() % alphabet.size()];
-    return text;
-}
-
 Bytes EveryByte() {
     Bytes all;
     for (int byte = 0; byte < 256; ++byte)
@@ -124,95 +109,55 @@ Bytes EveryByte() {
 template <class Check>
 void OnRandomTexts(const std::vector<Bytes>& alphabets, Check check) {
     std::mt19937 random(20030401);
-    for (const Bytes& alphabet : alphabets) {
-        for (std::size_t length = 0; length <= 300; ++length)
-            for (int round = 0; round < 4; ++round)
-                check(RandomText(random, alphabet, length));
-        for (int round = 0; round < 5; ++round)
-            check(RandomText(random, alphabet, 3000 + random() % 40000));
-        if (testing::Test::HasFailure()) return;
-    }
+    for (const Bytes& alphabet : alphabets)
+        for (std::size_t round = 0; round < 610 && !testing::Test::HasFailure(); ++round) {
+            Bytes text(round < 600 ? round / 2 : 3000 + random() % 40000, '\0');
+            for (char& c : text)
+                c = alphabet[random() % alphabet.size()];
+            check(text);
+        }
 }
 
-struct Case {
-    const char* name;
-    Bytes from;
-    Bytes to;
-};
-
-Bytes Literal(std::string_view bytes) {
-    return Bytes(bytes);
-}
 using namespace std::string_view_literals;
+using Rows = std::vector<std::pair<Bytes, Bytes>>;
 
 // Texts that come back as they were.
-const Case kBothWays[] = {
-    {"a, あ, b",
-     "a\x82\xA0"
-     "b",
-     "a\x1b$B$\"\x1b(Bb"},
-    {"begins in double-byte mode", "\x82\xA0", "\x1b$B$\"\x1b(B"},
-    {"leaves double-byte mode at each line end", "\x82\xA0\r\n\x82\xA0", "\x1b$B$\"\x1b(B\r\n\x1b$B$\"\x1b(B"},
-    {"single bytes that are no ASCII", "\x80\xA0\xFD", "\x80\xA0\xFD"},
-    {"first and last row and cell, and the cell behind the gap", "\x81\x40\xEF\xFC\x81\x80", "\x1b$B!!~~!`\x1b(B"},
+const Rows kBothWays = {
+    {"a\x82\xA0 b", "a\x1b$B$\"\x1b(B b"},  // a, あ, b
+    {"\x82\xA0\r\n\x82\xA0", "\x1b$B$\"\x1b(B\r\n\x1b$B$\"\x1b(B"},
+    {"\x80\xA0\xFD", "\x80\xA0\xFD"},                    // single bytes that are no ASCII
+    {"\x81\x40\xEF\xFC\x81\x80", "\x1b$B!!~~!`\x1b(B"},  // the first and the last cell, and the one behind the gap
 };
 
-const Case kToJis[] = {
-    {"empty", "", "\x1b(B"},
-    {"half-width ka takes its voiced mark", "\xB6\xDE", "\x1b$B%,\x1b(B"},
-    {"half-width ha takes the semi-voiced mark", "\xCA\xDF", "\x1b$B%Q\x1b(B"},
-    {"a takes no voiced mark", "\xB1\xDE", "\x1b$B%\"!+\x1b(B"},
-    {"ka takes no semi-voiced mark", "\xB6\xDF", "\x1b$B%+!,\x1b(B"},
-    {"na takes no voiced mark", "\xC5\xDE", "\x1b$B%J!+\x1b(B"},
-    {"u and a voiced mark stay two", "\xB3\xDE", "\x1b$B%&!+\x1b(B"},
-    {"voiced mark alone", "\xDE", "\x1b$B!+\x1b(B"},
-    {"semi-voiced mark alone", "\xDF", "\x1b$B!,\x1b(B"},
-    {"lead byte at the end is an empty run", "a\x82", "a\x1b$B\x1b(B"},
-    {"a bad trail byte goes with its lead byte", "\x82 b", "\x1b$B\x1b(Bb"},
-    {"rows that the wire does not have pass", "\xF0\x40\xFC\xFC", "\x1b$B\x7F!\x98~\x1b(B"},
+const Rows kToJis = {
+    {"", "\x1b(B"},
+    {"a\x82", "a\x1b$B\x1b(B"},                                             // a lead byte at the end is an empty run
+    {"\x82 b", "\x1b$B\x1b(Bb"},                                            // a bad trail byte goes with its lead byte
+    {"\xF0\x40\xFC\xFC", "\x1b$B\x7F!\x98~\x1b(B"},                         // rows that the wire does not have pass
+    {"\xB1\xDE\xB6\xDF\xC5\xDE\xB3\xDE", "\x1b$B%\"!+%+!,%J!+%&!+\x1b(B"},  // marks that join no kana
 };
 
-const Case kToShiftJis[] = {
-    {"empty", "", ""},
-    {"raw Shift-JIS without an escape", "\x82\xA0 a", "\x82\xA0 a"},
-    {"no way back to single-byte mode", "\x1b$B$\"", "\x82\xA0"},
-    {"the set of 1978", "\x1b$@$\"", "\x82\xA0"},
-    {"Roman and its old final byte", "\x1b(Ja\x1b(Hb", "ab"},
-    {"7-bit kana stay", "\x1b(I1", "1"},
-    {"unknown escape loses its ESC", "\x1bXab", "Xab"},
-    {"unknown ESC ( loses both", "\x1b(Xa", "Xa"},
-    {"unknown ESC $ ( loses two", "\x1b$(Da", "(Da"},
-    {"ESC at the end", "a\x1b", "a"},
-    {"ESC ( at the end", "a\x1b(", "a"},
-    {"a line end inside a double-byte run cuts the text", "\x1b$B$\"\r\n$\"\x1b(Bx", "\x82\xA0"},
-    {"odd run", "\x1b$B$\x1b(Bab", "ab"},
-    {"odd run, the next one out of step", "\x1b$B$\x1b(Ba\x1b$B!!!", "a\x91\x9F\x81\x40"},
-    {"NUL", Literal("a\0b"sv), "a"},
+const Rows kToShiftJis = {
+    {"", ""},
+    {"\x82\xA0 a", "\x82\xA0 a"},                      // raw Shift-JIS without an escape
+    {"\x1b$B$\"", "\x82\xA0"},                         // no way back to single bytes
+    {"\x1b$@$\"\x1b(Jx\x1b(Hy", "\x82\xA0xy"},         // the set of 1978, Roman and its old final byte
+    {"\x1b(I1", "1"},                                  // 7-bit kana stay
+    {"\x1bXab\x1b(Xa\x1b$(Da", "XabXa(Da"},            // unknown escapes lose what is known of them
+    {"\x1b$B$\"\r\n$\"\x1b(Bx", "\x82\xA0"},           // a line end inside a double-byte run cuts the text
+    {"\x1b$B$\x1b(Ba\x1b$B!!!", "a\x91\x9F\x81\x40"},  // an odd run, the next one out of step
+    {Bytes("a\0b"sv), "a"},                            //
 };
-
-void Check(const Case& one, Bytes (*convert)(const Bytes&), const Bytes& from, const Bytes& to) {
-    EXPECT_EQ(testing::PrintToString(convert(from)), testing::PrintToString(to)) << one.name;
-}
-
-Bytes ToJisPlain(const Bytes& text) {
-    return ToJis(text);
-}
 
 TEST(Conversion, WorkedBytes) {
-    for (const Case& one : kBothWays) {
-        Check(one, ToJisPlain, one.from, one.to);
-        Check(one, ToShiftJis, one.to, one.from);
+    for (const auto& [shiftJis, wire] : kBothWays) {
+        EXPECT_EQ(ToJis(shiftJis), wire);
+        EXPECT_EQ(ToShiftJis(wire), shiftJis);
     }
-    for (const Case& one : kToJis)
-        Check(one, ToJisPlain, one.from, one.to);
-    for (const Case& one : kToShiftJis)
-        Check(one, ToShiftJis, one.from, one.to);
-}
-
-TEST(Conversion, AppendsToTheTextInFront) {
-    EXPECT_EQ(ToJis("a", "old"), "old\x1b(Ba");
-    EXPECT_EQ(ToJis("\x82\xA0", "old"), "old\x1b$B$\"\x1b(B");
-    EXPECT_EQ(ToJis("", "old"), "old\x1b(B");
+    for (const auto& [shiftJis, wire] : kToJis)
+        EXPECT_EQ(ToJis(shiftJis), wire);
+    for (const auto& [wire, shiftJis] : kToShiftJis)
+        EXPECT_EQ(ToShiftJis(wire), shiftJis);
 }
 
 TEST(Conversion, TakesTheByteBehindTheText) {
@@ -228,9 +173,6 @@ TEST(Conversion, ReplacesItsOwnSource) {
     EXPECT_EQ(text, "\x82\xA0");
     CLanguage::CutSJIS(text, 2, 1, text);
     EXPECT_EQ(text, "");
-    text = "kept";
-    CLanguage::JIS_SJIS(nullptr, 7, text);
-    EXPECT_EQ(text, "kept");
 }
 
 TEST(Conversion, ShiftJisToJisFollowsItsRules) {
@@ -279,22 +221,17 @@ TEST(Conversion, KanaStandAloneAndJoin) {
 }
 
 TEST(Conversion, CutsBetweenCharacters) {
-    const struct {
-        const char* text;
-        unsigned int length, most;
-        const char* head;
-    } cases[] = {
+    const std::tuple<const char*, unsigned int, unsigned int, const char*> cases[] = {
         {"\x82\xA0\x82\xA2\x82\xA4", 6, 5, "\x82\xA0\x82\xA2"},  // あいう
         {"\x82\xA0\x82\xA2\x82\xA4", 6, 1, ""},
-        {"\x82\xA0\x82\xA2\x82\xA4", 6, 0, ""},
         {"\x82\xA0\x82\xA2\x82\xA4", 6, 6, "\x82\xA0\x82\xA2\x82\xA4"},
         {"\x82\xA0\x82\xA2\x82\xA4", 2, 2, "\x82\xA0\x82\xA2\x82\xA4"},  // the whole text, behind len too
         {"\xB6\xDE\xB6\xDE", 4, 3, "\xB6\xDE\xB6"},
     };
-    for (const auto& one : cases) {
+    for (const auto& [text, length, most, head] : cases) {
         CString out("old");
-        CLanguage::CutSJIS(one.text, one.length, one.most, out);
-        EXPECT_EQ(out, one.head) << one.most;
+        CLanguage::CutSJIS(text, length, most, out);
+        EXPECT_EQ(out, head) << most;
     }
 }
 
@@ -307,7 +244,6 @@ TEST(Conversion, TellsJapaneseByItsBytes) {
         EXPECT_EQ(CLanguage::IsHankakuKana(text[1]) != 0, kana) << byte;
         EXPECT_EQ(CLanguage::IsJapanese(CString(std::string_view(text))), lead || kana) << byte;
     }
-    EXPECT_EQ(CLanguage::IsJapanese(""), 0);
 }
 
 }  // namespace
