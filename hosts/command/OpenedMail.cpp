@@ -20,12 +20,32 @@ public:
     void Read(const CString& mail, OpenedMail& opened) {
         const int end = FindEmptyLine(mail, 0);
         opened.header = end == -1 ? mail : mail.Left(end);
-        CStringArray to;
-        CStringArray cc;
         CString subject;
         const int bodyTop = end == -1 ? mail.GetLength() : end;
-        PerseHeaderFields(mail, bodyTop, bodyTop, opened.from, to, cc, opened.messageId, opened.references, subject,
-                          opened.date);
+        PerseHeaderFields(mail, bodyTop, bodyTop, opened.from, opened.to, opened.cc, opened.messageId,
+                          opened.references, subject, opened.date);
+    }
+
+    // The summary with each value on its line: a decoded line end would show lines that the header does not have.
+    std::string ShownSummary(const OpenedMail& opened) {
+        CStringArray names;
+        for (const OpenedMail::File& file : opened.files)
+            names.SetAtGrow(names.GetSize(), Shown(file.name));
+        CString subject;
+        CString summary;
+        opened.doc.GetSubject(subject);
+        MakeOriginalSummary(Shown(opened.from), Shown(opened.to), Shown(opened.cc), Shown(subject), Shown(opened.date),
+                            names, summary);
+        return mailtext::BodyShown(summary.View());
+    }
+
+private:
+    static CString Shown(const CString& value) { return CString(mailtext::LineShown(value.View())); }
+    static CStringArray Shown(const CStringArray& values) {
+        CStringArray shown;
+        for (int i = 0; i < values.GetSize(); ++i)
+            shown.SetAtGrow(i, Shown(values.GetAt(i)));
+        return shown;
     }
 };
 
@@ -121,11 +141,9 @@ void OpenMail(const CString& mail, const std::string* folder, OpenedMail& opened
 }
 
 std::string ShownMail(const OpenedMail& opened, bool headers) {
-    CString summary;
     CString body;
-    opened.doc.GetOriginalSummary(summary);
     opened.doc.GetBody(body);
-    std::string shown = mailtext::HeaderShown(headers ? opened.header.View() : summary.View());
+    std::string shown = headers ? mailtext::HeaderShown(opened.header.View()) : CHeaderReader().ShownSummary(opened);
     if (!opened.fault.empty()) return shown;
     shown += '\n' + mailtext::BodyShown(body.View());
     if (!opened.files.empty()) shown += "\nAttachments:\n";

@@ -18,7 +18,7 @@ struct OpenedMail {
     CMailDoc doc;
     std::vector<File> files;
     // What the parser reads in the header and keeps for a summary or a reply.
-    CStringArray from;
+    CStringArray from, to, cc;
     CString messageId, references, date;
     CString header;     // the header block as it stands
     std::string fault;  // empty: all was read

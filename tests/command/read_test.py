@@ -84,6 +84,7 @@ class ReadTest(unittest.TestCase):
             with self.subTest(arguments):
                 shown = self.run_it("read", *arguments, data=data).decode()
                 self.assertFalse([ch for ch in shown if ch not in "\n\t" and not ch.isprintable()], shown)
+        self.assertIn(" Subject: a\\x0D\\x0A\\x1B[2J", self.run_it("read", data=data).decode())
         self.assertIn("x\\x1B]0;t\\x07\n\ty\\x9B\\x0D\n", self.run_it("read", data=data).decode())
         self.assertEqual(self.run_it("subject", "-", data=data), b"a\\x0D\\x0A\\x1B[2J\\x07\\x9B\\u202E\n")
 
