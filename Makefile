@@ -8,7 +8,7 @@ TEST = ctest --parallel $(JOBS) --preset
 .PHONY: help demo test sanitize bench fuzz format lint clean
 
 help:
-	@echo "make demo      set up, build, and write a Japanese mail that an independent reader checks"
+	@echo "make demo      set up, build; write a Japanese mail, have it checked, read, answer and send it"
 	@echo "make test      set up, build, and run all tests"
 	@echo "make sanitize  the tests under the address and undefined behaviour sanitizers"
 	@echo "make bench     the benchmarks, beside their yardsticks"

@@ -20,6 +20,20 @@ void Prepare(const std::string& path, CMailDoc& doc) {
 
 }  // namespace
 
+void AnswerMail(const std::string& file, const CLetterOptions& letter, CMailDoc& doc) {
+    if (file == "-" && letter.ReadsStandardInput()) {
+        throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
+    }
+    Prepare(file, doc);
+    const CString quoted = QuotedMail(doc);
+    CleanPreparedReply(doc);
+    doc.SetBody("");
+    letter.Fill(doc);
+    CString answer;
+    doc.GetBody(answer);
+    SetReplyBody(doc, answer, quoted);
+}
+
 CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Write a mail that answers another") {
     m_pCommand->add_option("FILE", m_strFile, "The message to answer; - is standard input")->required();
     m_letter.AddTo(*m_pCommand);
@@ -35,18 +49,8 @@ CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Wr
 }
 
 int CReplyCommand::Run() const {
-    if (m_strFile == "-" && m_letter.ReadsStandardInput()) {
-        throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
-    }
     CMailDoc doc;
-    Prepare(m_strFile, doc);
-    const CString quoted = QuotedMail(doc);
-    CleanPreparedReply(doc);
-    doc.SetBody("");
-    m_letter.Fill(doc);
-    CString answer;
-    doc.GetBody(answer);
-    SetReplyBody(doc, answer, quoted);
+    AnswerMail(m_strFile, m_letter, doc);
     if (doc.GetToAddressSize() == 0) terminal::Complain("warning: the answered mail names no sender; give --to");
 
     COutputTarget target(m_strOutput);

@@ -4,6 +4,10 @@
 #include "Command.h"
 #include "LetterOptions.h"
 
+// Makes doc the answer to the mail in file (- is standard input), filled by what letter was given. Throws CFailure,
+// also where both are standard input.
+void AnswerMail(const std::string& file, const CLetterOptions& letter, CMailDoc& doc);
+
 class CReplyCommand : public CCommand {
 public:
     explicit CReplyCommand(CLI::App& program);

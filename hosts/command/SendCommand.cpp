@@ -10,6 +10,7 @@
 #include "Border.h"
 #include "Failure.h"
 #include "OneLine.h"
+#include "ReplyCommand.h"
 #include "TerminalWindows.h"
 
 namespace {
@@ -124,6 +125,8 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
     m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given")
         ->type_name("HOST[:PORT]")
         ->required();
+    m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input")
+        ->type_name("FILE");
     m_pCommand->add_flag("--dry-run", m_bDryRun, "Print sender, recipients and size; connect to nothing");
     m_pCommand->add_flag("--quiet", m_bQuiet, "Show no progress");
     m_pCommand->footer(
@@ -146,7 +149,10 @@ void CSendCommand::SetServer(CMailDoc& doc) const {
 int CSendCommand::Run() const {
     CMailDoc doc;
     SetServer(doc);
-    m_letter.Fill(doc);
+    if (m_strAnswered.empty())
+        m_letter.Fill(doc);
+    else
+        AnswerMail(m_strAnswered, m_letter, doc);
     CheckEnvelope(doc);
     if (m_bDryRun)
         PrintEnvelope(doc);

@@ -15,6 +15,7 @@ private:
 
     CLetterOptions m_letter;
     std::string m_strServer;
+    std::string m_strAnswered;
     bool m_bDryRun = false;
     bool m_bQuiet = false;
 };

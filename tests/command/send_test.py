@@ -43,11 +43,13 @@ class SendTest(unittest.TestCase):
         (cls.folder / "mix.eml").write_bytes(MIX)
         (cls.folder / "写真.bin").write_bytes(bytes(range(256)) * 100)
         (cls.folder / "空.txt").write_bytes(b"")
+        (cls.folder / "old.eml").write_bytes(b"From: a@example.test\nSubject: old\nMIME-Version: 1.0\n\ntext\n")
         cls.mails = {
             "plain": ["--from", "s@example.test", "--to", "a@example.test", "--body", ".\n.x\n\n.", "--subject", "plain"],
             "japanese": LETTER,
             "attachments": LETTER + ["--attach", cls.folder / "写真.bin", "--attach", cls.folder / "空.txt",
                                      "--attach", cls.folder / "mix.eml"],
+            "answer": ["--answer", cls.folder / "old.eml", "--from", "s@example.test", "--body", "了解"],
             "hundred": LETTER + [word for i in range(99) for word in ("--cc", f"c{i}@example.test")],
         }
 
@@ -58,7 +60,8 @@ class SendTest(unittest.TestCase):
         return self.run_it("send", "--quiet", "--server", f"127.0.0.1:{port}", *arguments)
 
     def message_of(self, *arguments):
-        result = self.run_it("write", *arguments, "-o", "-")
+        command = ["reply", *arguments[1:]] if arguments[0] == "--answer" else ["write", *arguments]
+        result = self.run_it(*command, "-o", "-")
         self.assertEqual(result.returncode, 0, result.stderr)
         return result.stdout
 
