@@ -25,6 +25,8 @@ public:
     CTempFolder& operator=(const CTempFolder&) = delete;
 
     const std::filesystem::path& Native() const { return m_path; }
+    // The native path of a file in the folder.
+    std::string operator/(const std::string& name) const { return m_path.string() + "/" + name; }
     // The library's path of a file in the folder; name is code page 932.
     CString Path(const char* name = "") const {
         std::string path = m_path.string();

@@ -71,15 +71,6 @@ TEST_F(Windows, StandUnseenWithoutAnInstalledSystem) {
     EXPECT_TRUE(dialog.DestroyWindow() && !dialog.DestroyWindow());
 }
 
-TEST_F(Windows, KeepTheirPathWhenTheUserCancels) {
-    ScriptedWindowSystem system;
-    CFileDialog dialog(0, "eml", "mail.eml");
-    system.paths = {"C:\\a.eml"};
-    EXPECT_EQ(dialog.DoModal(), IDOK);
-    EXPECT_EQ(dialog.DoModal(), IDCANCEL);
-    EXPECT_EQ(dialog.GetPathName(), "C:\\a.eml");
-}
-
 class SocketWait : public testing::Test {
 protected:
     SocketWait() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, m_pair.data()), 0); }

@@ -1,9 +1,11 @@
+#include <array>
 #include <climits>
 #include <cstdint>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
-#include <tests/platform/TempFolder.h>
+#include <tests/FileBytes.h>
+#include <tests/TempFolder.h>
 
 #include <mailengine/support/FileUtility.h>
 
@@ -13,9 +15,7 @@ namespace {
 #define FILE_TYPE " \x83t\x83@\x83\x43\x83\x8B"  // ファイル
 
 TEST(FileUtility, TakesPathsApart) {
-    const struct {
-        const char *path, *parent, *name, *extension, *type;
-    } rows[] = {
+    const std::array<const char*, 5> rows[] = {
         {nullptr, "", "", "", ""},
         {"C:\\a.TxT", "C:", "a.TxT", "TxT", "TXT" FILE_TYPE},
         {"C:\\x.y\\", "C:\\x.y", "", "", ""},
@@ -26,11 +26,11 @@ TEST(FileUtility, TakesPathsApart) {
         {"a/b.c", "", "a/b.c", "c", "C" FILE_TYPE},
         {"\x83\x5C\\\x95\x5C.\x83\x61z", "\x83\x5C", "\x95\x5C.\x83\x61z", "\x83\x61z", "\x83\x61Z" FILE_TYPE},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(CFileUtility::GetParentPath(row.path), row.parent);
-        EXPECT_EQ(CFileUtility::GetFileNameFromPath(row.path), row.name);
-        EXPECT_EQ(CFileUtility::GetFileExt(row.path), row.extension);
-        EXPECT_EQ(CFileUtility::GetMimeType(row.path), row.type);
+    for (const auto& [path, parent, name, extension, type] : rows) {
+        EXPECT_EQ(CFileUtility::GetParentPath(path), parent);
+        EXPECT_EQ(CFileUtility::GetFileNameFromPath(path), name);
+        EXPECT_EQ(CFileUtility::GetFileExt(path), extension);
+        EXPECT_EQ(CFileUtility::GetMimeType(path), type);
     }
 }
 
@@ -42,10 +42,10 @@ TEST(FileUtility, ShowsSizesByTheFirstUnitThatFits) {
 }
 
 TEST(FileUtility, AsksForFiles) {
-    const TempFolder folder;
+    const CTempFolder folder;
     const std::string path = folder / "a.bin";
     std::filesystem::create_directory(folder / "sub");
-    TempFolder::Write(path, std::string(1536, 'x'));
+    WriteWholeFile(path, std::string(1536, 'x'));
     EXPECT_EQ(CFileUtility::GetFileSizeString(path.c_str(), 0), "1536" BYTES);
     EXPECT_EQ(CFileUtility::GetFileSizeString(path.c_str(), 2), "1KB");
     std::filesystem::resize_file(path, std::uintmax_t{1} << 32);

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
-#include <tests/platform/TempFolder.h>
+#include <tests/FileBytes.h>
 
 #include <mailengine/support/platform/Path.h>
 
@@ -23,7 +23,7 @@ std::string Unescaped(const std::string& literal) {
 
 // Whoever changes a text changes its comment, which is what people read, and its bytes, which is what users see.
 TEST(Texts, AreWhatTheirCommentsSay) {
-    std::istringstream header(TempFolder::Read(MAILENGINE_TEST_DATA "/../../mailengine/support/Texts.h"));
+    std::istringstream header(ReadWholeFile(MAILENGINE_TEST_DATA "/../../mailengine/support/Texts.h"));
     int texts = 0;
     for (std::string line, comment, bytes; std::getline(header, line);) {
         const std::size_t first = line.find('"') + 1;  // 0 without one; clang-format keeps a literal to a line

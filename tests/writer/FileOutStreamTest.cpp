@@ -1,13 +1,14 @@
 #include <gtest/gtest.h>
 #include <string>
-#include <tests/platform/TempFolder.h>
+#include <tests/FileBytes.h>
+#include <tests/TempFolder.h>
 
 #include <mailengine/writer/FileOutStream.h>
 
 namespace {
 
 TEST(FileOutStream, WritesTheTextUpToItsNulAndNothingWhileClosed) {
-    const TempFolder folder;
+    const CTempFolder folder;
     const std::string path = folder / "out.eml";
     {
         CFileOutStream stream(path.c_str());
@@ -18,7 +19,7 @@ TEST(FileOutStream, WritesTheTextUpToItsNulAndNothingWhileClosed) {
         EXPECT_NE(stream.Open(), 0);  // an open stream stays as it is
         EXPECT_NE(stream.WriteString("\x82\xA0"), 0);
     }
-    EXPECT_EQ(TempFolder::Read(path), "a\r\n\n\x82\xA0");
+    EXPECT_EQ(ReadWholeFile(path), "a\r\n\n\x82\xA0");
 }
 
 TEST(FileOutStream, TellsThatAWriteFailedUntilItIsOpenedAnew) {
