@@ -60,9 +60,6 @@ TEST_F(SaveAs, WritesTheWholeMessageUnderADialog) {
     EXPECT_NE(calls.find(std::string("text dialog1 ") + texts::kSaving + "\n"), std::string::npos);
     EXPECT_NE(calls.find("enable host 0\n"), std::string::npos);
     EXPECT_EQ(calls.find("box "), std::string::npos);
-    CString subject;
-    m_doc.GetSubject(subject);
-    EXPECT_EQ(subject, "subject");
 }
 
 TEST_F(SaveAs, DoesNothingWithoutAWindowADialogOrAChoice) {
@@ -84,14 +81,6 @@ TEST_F(SaveAs, TellsThatTheFileCannotBeMade) {
         EXPECT_EQ(m_doc.IsModified(), 1) << name;
     }
     EXPECT_EQ(ReadWholeFile(m_folder.Native() / "a.bin"), std::string(5400, 'x'));
-}
-
-TEST_F(SaveAs, DeletesTheFileOfAFailedWrite) {
-    m_doc.SetFiles({{m_folder.Path("missing"), ""}});
-    EXPECT_EQ(SaveTo(m_folder.Path("m.eml")), 1);
-    EXPECT_EQ(m_windows.TakeCalls("box "), Box(texts::kSaveFailed));
-    EXPECT_FALSE(Stands());
-    EXPECT_EQ(m_doc.IsModified(), 1);
 }
 
 // The disk is full at each of several places of the message, its last bytes among them, which go out by Close.
