@@ -81,38 +81,35 @@ TEST(Socket, SendsAllWhileThePeerIsSlowAndSignalsCome) {
     setitimer(ITIMER_REAL, &none, nullptr);
 }
 
+// Ends the waits at a limit in milliseconds, or at a question.
+struct ShortWait : CSocketWait {
+    ShortWait(int milliseconds, int questions) : limit(milliseconds), left(questions) {}
+    int TimeLimit(int) override { return limit; }
+    int GoOn() override { return --left != 0; }
+    int limit, left;
+};
+
 TEST(Socket, EndsAnyWaitAtItsLimitOrWhenToldToForGood) {
-    const std::string flood(64 << 20, 'x');
-    for (const auto& [wait, number] : {std::pair(ShortWait(20, -1), ETIMEDOUT),
-                                       {ShortWait(0, -1), ETIMEDOUT},
-                                       {ShortWait(-1, 1), ECANCELED},
-                                       {ShortWait(-1, 3), ECANCELED}}) {
-        ScriptedPeer silent(""), deaf("<silent>");
-        ShortWait shortWait = wait;
-        CSocketClient client, sender, late;
-        ASSERT_TRUE(client.Connect("127.0.0.1", silent.port) && sender.Connect("127.0.0.1", deaf.port));
+    for (const auto& [wait, number] : {std::pair(ShortWait(20, -1), ETIMEDOUT), {ShortWait(-1, 3), ECANCELED}}) {
+        ScriptedPeer silent("");
+        ShortWait shortWait = wait, lateWait = wait;
+        CSocketClient client, late;
+        ASSERT_TRUE(client.Connect("127.0.0.1", silent.port));
         client.SetWait(&shortWait);
         char byte = 0;
         EXPECT_EQ(client.Receive(&byte, 1), -1);
-        EXPECT_EQ(Bytes(client.GetError()), SocketText("Recv", number));
         client.SetWait(nullptr);
         EXPECT_EQ(client.Receive(&byte, 1), -1) << "there is no way back";
         EXPECT_EQ(Bytes(client.GetError()), SocketText("Recv", number));
-
-        shortWait = wait;
-        sender.SetWait(&shortWait);
-        EXPECT_EQ(sender.Send(flood.data(), static_cast<int>(flood.size())), -1);
-        EXPECT_EQ(Bytes(sender.GetError()), SocketText("Send", number));
 
         // A listener whose queue is full answers no connection.
         const int listener = socket(AF_INET, SOCK_STREAM, 0), guest = socket(AF_INET, SOCK_STREAM, 0);
         sockaddr_in address{};
         socklen_t size = sizeof address;
-        ASSERT_EQ(listen(listener, 0), 0);
-        ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
-        ASSERT_EQ(connect(guest, reinterpret_cast<sockaddr*>(&address), size), 0);
-        shortWait = wait;
-        late.SetWait(&shortWait);
+        auto* const any = reinterpret_cast<sockaddr*>(&address);
+        ASSERT_TRUE(listen(listener, 0) == 0 && getsockname(listener, any, &size) == 0 &&
+                    connect(guest, any, size) == 0);
+        late.SetWait(&lateWait);
         EXPECT_FALSE(late.Connect("127.0.0.1", ntohs(address.sin_port)));
         EXPECT_EQ(Bytes(late.GetError()), SocketText("Connect", number));
         close(guest);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <regex>
 #include <string>
 
 #include <mailengine/support/Texts.h>
@@ -26,27 +27,9 @@ inline CStringArray Array(std::initializer_list<std::string> items) {
     return array;
 }
 
-// Ends the waits of one step at its limit in milliseconds, or at a question; the peer may be slow in all others.
-class ShortWait : public CSocketWait {
-public:
-    ShortWait(int limitOfStep, int questions, int chosenStep = 0)
-        : limit(limitOfStep), left(questions), chosen(chosenStep) {}
-    int TimeLimit(int step) override { return step == chosen ? limit : -1; }
-    int GoOn() override { return --left != 0; }
-    int limit, left, chosen;
-};
-
-// The text as the wire wants it, made byte by byte.
+// The text as the wire wants it: line ends are CRLF, and a dot on top of a line stands twice.
 inline std::string MadeTransparent(const std::string& text) {
-    std::string wire;
-    bool top = true;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (top && text[at] == '.') wire += '.';
-        top = text[at] == '\r' || text[at] == '\n';
-        if (!top)
-            wire += text[at];
-        else if (text[at] == '\r' || at == 0 || text[at - 1] != '\r')
-            wire += "\r\n";
-    }
-    return wire;
+    static const std::regex lineEnd("\r\n|\r|\n"), dotOnTop("\n[.]");
+    const std::string lines = "\n" + std::regex_replace(text, lineEnd, "\r\n");
+    return std::regex_replace(lines, dotOnTop, "\n..").substr(1);
 }
