@@ -3,18 +3,14 @@
 namespace {
 
 TEST(Addresses, AreCutAtCommasOutsideALeadingQuote) {
-    Check({{"aa, bb", "[aa][bb]"},
-           {"\"P, Q\" <r>, bb", "[\"P, Q\" <r>][bb]"},
+    Check({{"\"P, Q\" <r>, bb", "[\"P, Q\" <r>][bb]"},
            {"\"A \\\" B, D\" <r>", "[\"A \\\" B, D\" <r>]"},
            {"J \"x, y\" <r>", "[J \"x][y\" <r>]"},
-           {"aa,", "[aa][]"},
            {"", "[]"},
            {",,", "[][][]"},
            {"\"abc", "[\"abc]"},
            {"\"a\\\", b", "[\"a\\\"][b]"},
-           {"\"\x95\x5C\", b\" <r>", "[\"\x95\x5C\"][b\" <r>]"},  // 表 ends in no backslash
-           {"aa,\r\n bb", "[aa][bb]"},
-           {"=?x?X?a,b?= <r>", "[a][b <r>]"}},
+           {"\"\x95\x5C\", b\" <r>", "[\"\x95\x5C\"][b\" <r>]"}},  // 表 ends in no backslash
           [](const std::string& value) {
               CStringArray list;
               EXPECT_EQ(Reader().PerseAddressField(CString("To: " + value + "\r\n"), 0, "To", list), 1);

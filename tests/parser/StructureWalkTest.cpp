@@ -22,34 +22,14 @@ void CheckParts(const char* subtype, const Rows& rows) {
     Check(rows, [&](const std::string& parts) { return Walked(Multipart(subtype, "b", parts)); });
 }
 
-TEST(PlainMail, GivesItsText) {
-    Check({{"Content-Type: text/plain; charset=iso-2022-jp\nContent-Transfer-Encoding: base64\n\nGyRCJCIbKEI=\n",
-            "1||\x82\xA0"},
-           {"Content-Type: text/plain; charset=iso-2022-jp\n\n\x1B$B$\"\x1B(B\n", "1||\x82\xA0\r\n"},
-           {"Content-Type: text/plain\n\n\x1B$B$\"\x1B(B\n", "1||\x1B$B$\"\x1B(B\r\n"},
-           {"Content-Transfer-Encoding: base64\nContent-Type: text/plain\nX: y\n\nQUJD\n", "1||QUJD\r\n"},
-           {"X: y\n Z\n\nbody\n\nmore", "1||body\r\n\r\nmore"},
-           {"Content-Type: text/plain\nX: y\n", "1||"},
-           {"Content-Type: application/pdf; name=x\n\nbody", "1||"},
-           {"Content-Type: message/rfc822\n\nbody", "1||"},
-           {"Content-Type: multipart/mixed\n\n--b--\n", "0||"}},
-          Walked);
-}
-
 TEST(Mixed, TellsBodyFromAttachment) {
     const std::string text = "\n--b\nContent-Type: text/plain\n\n", file = "\n--b\nContent-Type: a/b; name=n\n\ndata";
     CheckParts("mixed",
-               {{text + "body" + file + "\n--b--\n", "1|n|body"},
-                {text + "body" + file, "0|n|"},
-                {text + "1" + text + "2\n--b--", "1||2"},
-                {text + "1" + text + "\n--b--", "1||"},
-                {text + "1\n--b\nContent-Type: TEXT/PLAIN; name=t\n\n2\n--b--", "1|t|1"},
-                {"\n--b\nContent-Type: a/b\nContent-Disposition: attachment; filename=x\n\n\n--b--", "0||"},
+               {{text + "body" + file, "0|n|"},
                 {"\n--b\n" + Multipart("mixed", "c", "\n--c--") + "\n--b--", "0||"},
                 {"\n--b\n" + Multipart("alternative", "c", "\n--c\n\n1\n--c--") + file + "\n--b--", "1|n|\r\n1"},
                 {"\n--b\n\nplain\n--b--", "1||\r\nplain"},  // no field: the body begins with the empty line
                 {"\n--b\nX: y\n\nplain\n--b--", "1||X: y\r\n\r\nplain"},
-                {"\n--b--\n" + file, "1||"},
                 {"--b" + file + "\n--b--", "1|n|"},  // the empty line's CRLF is the delimiter's
                 {"", "0||"},
                 {"\n--b\nContent-Type: text/plain\nContent-Transfer-Encoding: base64\n\nQ\n--b--", "0||"},
@@ -57,11 +37,8 @@ TEST(Mixed, TellsBodyFromAttachment) {
 }
 
 TEST(Alternative, TakesTheFirstPlainText) {
-    const std::string html = "\n--b\nContent-Type: text/html\n\nhtml";
     CheckParts("alternative",
-               {{html + "\n--b\nContent-Type: text/plain\n\n1\n--b\n\n2\n--b--", "1||1"},
-                {html + "\n--b--", "1||"},
-                {html + "\n--b\n\n1\n", "0||"},
+               {{"\n--b\nContent-Type: text/html\n\nhtml\n--b\n\n1\n", "0||"},
                 {"\n--b\nContent-Type: text/plain; name=n\n\n1\n--bc\n\n2\n--b--", "1||1"},  // a longer one counts
                 {Repeated("\n--b", 3000) + "\n--b\nContent-Type: a/b\n--b--", "1||"},
                 {Repeated("\n--b", 3000) + "\n--b--", "1||"}});
@@ -112,10 +89,8 @@ TEST(Nesting, EndsAtItsLimit) {
 
 TEST(Offsets, TellWhereTheWalkEnds) {
     Check({{"Content-Type: a/b\n\nx", "1 19 22 old"},
-           {"Content-Type: text/plain\nX: y\n\nx", "1 34 35 x"},
            {"Content-Type: text/plain\nX: y", "1 30 30 "},
            {"Content-Type: multipart/mixed; boundary=b\n\n--b\n\nx\n--b--\n", "1 43 60 \r\nx"},
-           {"Content-Type: multipart/mixed; boundary=b\n\n--b--\n", "1 -1 50 old"},
            {"Content-Type: multipart/related; boundary=b\n\n", "0 -1 45 old"},
            {"Content-Type: image/gif; name=n\n\nx\n", "1 -1 -1 old"}},  // names alone
           [](const std::string& text) {

@@ -6,25 +6,17 @@ constexpr char kA[] = "\x82\xA0";  // あ
 
 TEST(EncodedWords, DecodeWhereverTheyStand) {
     Check({{"=?iso-2022-jp?B?GyRCJCIbKEI=?=", kA},
-           {"a =?ISO-2022-JP?b?GyRCJCIbKEI=?= b", std::string("a ") + kA + " b"},
            {"=?iso-2022-jp?B?GyRCJCIbKEI=?= =?x?X?y?=", std::string(kA) + " y"},
            {"=?iso-2022-jp?Q?=1B$B$=22=1B(B?=", kA},  // begins with "=" and ends at its "?=" alone
-           {"=?us-ascii?X?a_c?=", "a_c"},
-           {"=?utf-8?B?44GC?=", "\xE3\x81\x82"},
-           {"=?x?B?QQBC?=", "A"},  // ends at its NUL
-           {"=?x?B?Q?=y", "y"},    // refused: one character
-           {"abc=?def", "abcdef"},
-           {"=?abc?=", "abc?="},
-           {"=?x?X?a?= =?x?X", "a x?X"},
-           {"a?=b \x1B$B$\"\x1B(B", "a?=b \x1B$B$\"\x1B(B"}},
+           {"=?x?B?QQBC?=", "A"},                     // ends at its NUL
+           {"=?x?B?Q?=y", "y"},                       // refused: one character
+           {"=?x?X?a?= =?x?X", "a x?X"}},
           [](const std::string& value) { return Text(Reader().DecodeFieldValue(CString(value))); });
 }
 
 TEST(ContentType, SplitsAtTheFirstSemicolonAndHasDefaults) {
     Check({{"X: y\n\nContent-Type: a/b\n", "text/plain|charset=us-ascii|-7"},
-           {"Content-Type: TEXT/plain\n\n", "TEXT/plain|charset=us-ascii|26"},
            {"Content-Type: text/plain ;\t format=flowed\n\n", "text/plain|format=flowed|43"},
-           {"Content-Type: a/b\n\n", "a/b||19"},
            {"Content-Type: a/b; c=d; e=\n =?x?X?f?=\n\n", "a/b|c=d; e=f|40"},
            {"Content-Type: a/b", "text/plain|charset=us-ascii|0"}},
           [](const std::string& text) {
@@ -43,9 +35,7 @@ TEST(Parameters, AreTakenByTheirExactName) {
            {"name=a\" ; name=y", "a"},
            {"name=\"a;b.txt\"", "a"},
            {"name=\"", ""},
-           {" ;; name= \" a\\\"b \" ", " a\\\"b "},
-           {"name=\"=?iso-2022-jp?B?GyRCJCIbKEI=?=\"", kA},
-           {"", ""}},
+           {" ;; name= \" a\\\"b \" ", " a\\\"b "}},
           [](const std::string& parameters) { return Text(Reader().GetAttrValue(CString(parameters), "name")); });
 }
 
@@ -77,18 +67,14 @@ std::string Decoded(const std::string& text, const char* encoding, const char* c
 }
 
 TEST(Decoding, PicksTheDecoderAndFillsTheBuffer) {
-    EXPECT_EQ(Decoded("", "base64", "", 1), "1");
     EXPECT_EQ(Decoded("QQBC", "BASE64", "utf-8", 5), std::string("1A\0B", 4));
     EXPECT_EQ(Decoded("a=41\xFF", "Quoted-Printable", "", 6), "1aA\xFF");
     EXPECT_EQ(Decoded("a%41=41", "h", "", 8), "1aA=41");
-    EXPECT_EQ(Decoded("a=41", "7bit", "", 5), "1a=41");
     EXPECT_EQ(Decoded("GyRCJCIbKEI=", "B", "ISO-2022-JP", 13), std::string("1") + kA);
     EXPECT_EQ(Decoded("\x1B$B$\"\x1B(B", "", "iso-2022-jp-2", 9), "1\x1B$B$\"\x1B(B");
     EXPECT_EQ(Decoded("Q", "B", "", 2), "0");
-    for (const char* encoding : {"B", "Q", "H", "7bit"}) {
+    for (const char* encoding : {"B", "Q", "H", "7bit"})
         EXPECT_EQ(Decoded("QUJD", encoding, "iso-2022-jp", 3), "0") << encoding;
-        EXPECT_EQ(Decoded("QUJD", encoding, "iso-2022-jp", 4)[0], '1') << encoding;
-    }
 }
 
 }  // namespace
