@@ -142,33 +142,25 @@ TEST(Base64, KnowsEachByteAtEachPlace) {
     }
 }
 
-// Two digits are read as strtoul reads them in the C locale: blanks, signs and "0x" in front are taken.
-TEST(HexEscapes, ReadTheirDigitsLikeANumber) {
-    for (int pair = 0; pair < 65536; ++pair) {
-        const Bytes digits{static_cast<char>(pair >> 8), static_cast<char>(pair & 0xFF)};
-        const Bytes quoted = "a=" + digits + "b", percent = "a%" + digits + "b";
-        ASSERT_EQ(DecodeAll(CQuotedPrint::Decode, quoted), LiteralEscapes(quoted, 99, '=', true).bytes) << pair;
-        ASSERT_EQ(DecodeAll(CLanguage::HexDecode, percent), LiteralEscapes(percent, 99, '%', false).bytes) << pair;
-    }
+void CheckEscapes(const Bytes& text) {
+    ASSERT_EQ(DecodeAll(CQuotedPrint::Decode, text), LiteralEscapes(text, 99, '=', true).bytes);
+    ASSERT_EQ(DecodeAll(CLanguage::HexDecode, text), LiteralEscapes(text, 99, '%', false).bytes);
 }
 
-TEST(HexEscapes, WorkedTexts) {
-    const std::tuple<Decoder, std::string_view, std::string_view> cases[] = {
-        {CQuotedPrint::Decode, "=82=A0_%41\r\n\x82\xA0", "\x82\xA0_%41\r\n\x82\xA0"},
-        {CQuotedPrint::Decode, "one=\r\ntwo", "onetwo"},
-        {CQuotedPrint::Decode, "one=\rXtwo", "onetwo"},    // whatever stands behind the CR goes
-        {CQuotedPrint::Decode, "one=4\r\ntwo", "onetwo"},  // a CR ends an escape wherever it stands
-        {CQuotedPrint::Decode, "one=\r", "one"},
-        {CQuotedPrint::Decode, "one=\n4two", "one\4two"},  // a bare LF is the first digit
-        {CQuotedPrint::Decode, "==41=4=41", "AA"},
-        {CQuotedPrint::Decode, "one=", "one"},
-        {CQuotedPrint::Decode, "one=4", "one"},
-        {CLanguage::HexDecode, "a%20b=41", "a b=41"},
-        {CLanguage::HexDecode, "%\r4%\r\nx", "\4\0x"sv},
-        {CLanguage::HexDecode, "%%41%4", "A"},
-    };
-    for (const auto& [decoder, text, bytes] : cases)
-        EXPECT_EQ(DecodeAll(decoder, text), bytes) << text;
+TEST(HexEscapes, FollowTheirRulesForEveryPairAndEveryMix) {
+    EXPECT_EQ(DecodeAll(CQuotedPrint::Decode, "=82=A0_%41\r\n\x82\xA0one=\r\ntwo"), "\x82\xA0_%41\r\n\x82\xA0onetwo");
+    EXPECT_EQ(DecodeAll(CQuotedPrint::Decode, "one=4\r\ntwo=\n4==41=- =-1=0x="), "onetwo\4A\0\xFF\0"sv);
+    EXPECT_EQ(DecodeAll(CLanguage::HexDecode, "a%20b=41%\r4%\r\nx%%41%4"), "a b=41\4\0xA"sv);
+    for (int pair = 0; pair < 65536; ++pair)
+        for (const char escape : {'=', '%'})
+            CheckEscapes({'a', escape, static_cast<char>(pair >> 8), static_cast<char>(pair & 0xFF), 'b'});
+    std::mt19937 random(3);
+    for (int round = 0; round < 20000; ++round) {
+        Bytes text(random() % 12, '\0');
+        for (char& c : text)
+            c = "=%4a\r\n-z"[random() % 8];
+        CheckEscapes(text);
+    }
 }
 
 TEST(Decoders, KeepToTheirBuffer) {
