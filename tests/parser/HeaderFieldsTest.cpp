@@ -49,15 +49,4 @@ TEST(Replying, ComparesManyAddresses) {
     EXPECT_EQ(Open("To: " + to + "\n\n").document.GetToAddressSize(), 1001u);
 }
 
-TEST(Subject, IsStoredOnSuccessOnly) {
-    const std::string refused = "Subject: x\nContent-Transfer-Encoding: base64\n\nQ";
-    Check({{"Subject: x\n\n", "0 old"}, {kMime + std::string("Subject: x\n\n"), "1 x"}, {kMime + refused, "0 old"}},
-          [](const std::string& text) {
-              CString subject = "old";
-              const int result = Reader().GetSubject(Mail(text), subject);
-              EXPECT_EQ(Read(Mail(text), nullptr, 1).result, result);
-              return Joined({result}) + " " + Text(subject);
-          });
-}
-
 }  // namespace

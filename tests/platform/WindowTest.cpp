@@ -1,9 +1,3 @@
-#include <array>
-#include <cerrno>
-#include <memory>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <mailengine/support/platform/Dialog.h>
 #include <mailengine/support/platform/FileDialog.h>
 
@@ -69,48 +63,6 @@ TEST_F(Windows, StandUnseenWithoutAnInstalledSystem) {
     EXPECT_EQ(dialog.MessageBoxA("text"), IDOK);
     EXPECT_EQ(CFileDialog(1).DoModal(), IDCANCEL);
     EXPECT_TRUE(dialog.DestroyWindow() && !dialog.DestroyWindow());
-}
-
-class SocketWait : public testing::Test {
-protected:
-    SocketWait() { EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, m_pair.data()), 0); }
-    ~SocketWait() override { EXPECT_EQ(close(m_pair[0]) + close(m_pair[1]), 0); }
-    int Wait(int events, int timeout) { return CWindowSystem::Get().WaitForSocket(m_pair[0], events, timeout); }
-    void FeedPeer() { EXPECT_EQ(send(m_pair[1], "x", 1, 0), 1); }
-
-    static constexpr int kRead = CWindowSystem::kReadable;
-    static constexpr int kBoth = kRead | CWindowSystem::kWritable;
-    std::array<int, 2> m_pair{};
-};
-
-TEST_F(SocketWait, ReportsWhatIsReady) {
-    for (const bool scripted : {false, true}) {
-        const auto system = scripted ? std::make_unique<ScriptedWindowSystem>() : nullptr;
-        EXPECT_EQ(Wait(kBoth, -1), CWindowSystem::kWritable);
-        EXPECT_EQ(Wait(kRead, 0), 0);
-        EXPECT_EQ(Wait(kRead, 1), 0);
-        FeedPeer();
-        EXPECT_EQ(Wait(kBoth, -1), kBoth);
-        char byte = 0;
-        EXPECT_EQ(recv(m_pair[0], &byte, 1, 0), 1);
-        for (const int descriptor : {-1, 1 << 20}) {
-            errno = 0;
-            EXPECT_EQ(CWindowSystem::Get().WaitForSocket(descriptor, kBoth, -1), -1);
-            EXPECT_EQ(errno, EBADF);
-        }
-    }
-    shutdown(m_pair[1], SHUT_RDWR);
-    EXPECT_EQ(Wait(kBoth, -1), kBoth);
-}
-
-TEST_F(SocketWait, KeepsTheMessagesMoving) {
-    ScriptedWindowSystem system;
-    int handled = 0;
-    for (int i = 0; i < 10; ++i)
-        system.Post([&] { ++handled == 7 ? FeedPeer() : void(); });
-    EXPECT_EQ(Wait(kRead, -1), kRead);
-    EXPECT_EQ(Wait(kRead, -1), kRead);
-    EXPECT_EQ(handled, 7) << "a socket that is ready is not kept waiting";
 }
 
 }  // namespace

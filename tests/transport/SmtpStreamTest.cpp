@@ -13,23 +13,6 @@ std::string Text(int bytes) {
     return std::string(static_cast<std::size_t>(bytes), 'x');
 }
 
-// The server has gone, so each hand-over fails and no other write does.
-TEST(SmtpStream, HandsOverWhenTheBufferWouldPass4096Bytes) {
-    const CFixedSystem system;
-    ScriptedPeer peer("220|250|250|250|354|<cut>");
-    CSmtpStream stream("127.0.0.1", peer.port, "a@b", Array({"c@d"}));
-    EXPECT_FALSE(stream.WriteString("x"));
-    ASSERT_TRUE(stream.Open() && stream.Open());
-    EXPECT_TRUE(stream.WriteString(Text(5000).c_str())) << "nothing was there to hand over";
-    EXPECT_TRUE(stream.WriteString("x")) << "the server takes it";
-    EXPECT_TRUE(peer.Received().starts_with(kEnvelope + std::string("x"))) << "and goes";
-    const struct {
-        int bytes, result;
-    } rows[] = {{4089, 1}, {6, 1}, {0, 1}, {1, 0}, {4095, 1}, {1, 0}, {5000, 0}, {0, 0}, {4096, 1}, {1, 0}};
-    for (const auto& row : rows)
-        EXPECT_EQ(stream.WriteString(Text(row.bytes).c_str()), row.result) << row.bytes;
-}
-
 TEST(SmtpStream, EndsAMailInFourWays) {
     const CFixedSystem system;
     const std::string data = kEnvelope + Text(4096) + "y", dot = "\r\n.\r\n", quit = "QUIT\r\n";

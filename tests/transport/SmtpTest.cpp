@@ -99,15 +99,10 @@ TEST(Smtp, TakesOneReadForOneReplyWhereverTheNetworkCutsIt) {
 
 TEST(Smtp, ReadsAtMost512BytesOfAReply) {
     const CFixedSystem system;
-    for (std::size_t length : {511U, 512U, 513U, 600U}) {
-        std::string reply(length, '5');
-        ScriptedPeer refusing(reply);
-        EXPECT_EQ(RunSession(refusing.port, {}), "C " + reply.substr(0, 512));
-        reply[0] = '2';
-        const std::string rest = reply.substr(std::min<std::size_t>(length, 512));
-        ScriptedPeer greeting(reply + (rest.empty() ? "|250|500|221" : ""));
-        // What is left over answers HELO, if it has three bytes.
-        EXPECT_EQ(RunSession(greeting.port, {}), rest.empty() ? "OC 500" : rest.size() < 3 ? "C " : "C " + rest);
+    const std::string reply = "2" + std::string(511, '5');
+    for (const std::string rest : {"", "5", "555 x"}) {  // what is left over answers HELO, if it has three bytes
+        ScriptedPeer peer(reply + rest + (rest.empty() ? "|250|500|221" : ""));
+        EXPECT_EQ(RunSession(peer.port, {}), rest.empty() ? "OC 500" : rest.size() < 3 ? "C " : "C " + rest);
     }
 }
 

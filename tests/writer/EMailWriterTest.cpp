@@ -87,19 +87,13 @@ TEST_F(EMailWriter, WritesAnEmptyDocument) {
     ExpectGolden("written/empty-document.eml", m_stream.Text());
 }
 
-TEST_F(EMailWriter, WritesAPlainLetterWithOneCallForEachField) {
+TEST_F(EMailWriter, WritesAPlainLetter) {
     FillPlainLetter();
     EXPECT_EQ(Write(), 1);
     ExpectGolden("written/plain-letter.eml", m_stream.Text());
-    for (const char* name : {"Date", "Message-ID", "X-Mailer", "InReplyTo", "References", "Subject", "MIME-Version"}) {
-        const auto isField = [&](const std::string& call) { return call.rfind(name + ": "s, 0) == 0; };
-        const auto call = std::find_if(m_stream.calls.begin(), m_stream.calls.end(), isField);
-        ASSERT_NE(call, m_stream.calls.end()) << name;
-        EXPECT_TRUE(call->ends_with("\r\n")) << name;
-    }
 }
 
-TEST_F(EMailWriter, WritesAJapaneseLetterWithTwoCallsForEachLine) {
+TEST_F(EMailWriter, WritesAJapaneseLetter) {
     m_doc.SetFromAddress(CAddress("", kYamada, "s@example.test"));
     m_doc.AddToAddress(CAddress("", kLongName, "a@example.test"));
     m_doc.AddToAddress(CAddress("", "", "b@example.test"));
@@ -107,9 +101,6 @@ TEST_F(EMailWriter, WritesAJapaneseLetterWithTwoCallsForEachLine) {
     m_doc.SetBody(kKanaText);
     EXPECT_EQ(Write(), 1);
     ExpectGolden("written/japanese-letter.eml", m_stream.Text());
-    ASSERT_GE(m_stream.calls.size(), 2u);
-    EXPECT_EQ(m_stream.calls[m_stream.calls.size() - 2].size(), 60u);
-    EXPECT_EQ(m_stream.calls.back(), "\r\n");
 }
 
 TEST_F(EMailWriter, UsesAVoicedMarkAtTheBorderOfTwoWordsOnce) {
