@@ -2,8 +2,10 @@
 #include <bench/Bench.h>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <iostream>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -23,6 +25,13 @@ double Median(std::vector<double> values) {
     return values.size() % 2 != 0 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
+using JobPairs = std::vector<std::pair<std::string, std::string>>;
+
+JobPairs& Comparisons() {
+    static JobPairs pairs;
+    return pairs;
+}
+
 // Keeps the rounds and prints nothing but the table; --benchmark_out gives the rounds themselves.
 class RatioReporter : public benchmark::BenchmarkReporter {
 public:
@@ -40,6 +49,8 @@ public:
         std::printf("%-26s %-12s %14s %12s\n", "job", "contestant", "median", "ours is");
         for (const auto& [name, job] : m_jobs)
             Print(name, job);
+        for (const auto& [larger, smaller] : Comparisons())
+            if (m_jobs.count(larger) != 0 && m_jobs.count(smaller) != 0) PrintComparison(larger, smaller);
     }
 
 private:
@@ -61,11 +72,19 @@ private:
         double best = 0;
         for (const auto& [contestant, values] : speeds) {
             const double median = Median(values);
-            if (contestant != kOurs && contestant != kLimit) best = std::max(best, median);
+            if (contestant != kOurs && contestant != kLimit && contestant != kCopy) best = std::max(best, median);
             std::printf("%-26s %-12s %9.0f %-4s %10.2f x\n", name.c_str(), contestant.c_str(), median, job.unit,
                         own / median);
         }
         if (best > 0) std::printf("%-26s %-12s %14s %10.2f x\n", name.c_str(), "best peer", "", own / best);
+    }
+
+    void PrintComparison(const std::string& larger, const std::string& smaller) {
+        const Speeds& speeds = m_jobs[smaller].speeds;
+        for (const auto& [contestant, values] : m_jobs[larger].speeds)
+            if (const auto found = speeds.find(contestant); found != speeds.end())
+                std::printf("%-26s %-12s %.2f x the time that each takes in %s\n", larger.c_str(), contestant.c_str(),
+                            Median(found->second) / Median(values), smaller.c_str());
     }
 
     static constexpr char kBytes[] = "bytes_per_second";
@@ -91,6 +110,14 @@ benchmark::internal::Benchmark* Add(const std::string& job, const std::string& c
     return benchmark::RegisterBenchmark((job + "/" + contestant).c_str(), loop)->UseRealTime();
 }
 
+double ProcessorTime(const std::function<void()>& run) {
+    timespec begin{}, end{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &begin);
+    run();
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &end);
+    return static_cast<double>(end.tv_sec - begin.tv_sec) + 1e-9 * static_cast<double>(end.tv_nsec - begin.tv_nsec);
+}
+
 benchmark::internal::Benchmark* AddTimed(const std::string& job, const std::string& contestant, std::size_t amount,
                                          std::function<double()> run, Unit unit) {
     const auto loop = [amount, run, unit](benchmark::State& state) {
@@ -99,6 +126,10 @@ benchmark::internal::Benchmark* AddTimed(const std::string& job, const std::stri
         SetAmount(state, amount, unit);
     };
     return benchmark::RegisterBenchmark((job + "/" + contestant).c_str(), loop)->UseManualTime();
+}
+
+void Compare(const std::string& larger, const std::string& smaller) {
+    Comparisons().emplace_back(larger, smaller);
 }
 
 int Run(int argc, char** argv) {

@@ -12,6 +12,7 @@ namespace bench {
 
 inline constexpr char kOurs[] = "mailengine";  // the contestant that the others are compared to
 inline constexpr char kLimit[] = "memcpy";     // what the machine can do; no peer
+inline constexpr char kCopy[] = "copy";        // the same, where the job makes a file
 
 // Adds a contestant. run does the job once over; amount is what it does then, in bytes, or in items if unit is
 // Unit::Items. Time is wall clock, since some contestants are other processes.
@@ -19,9 +20,17 @@ enum class Unit { Bytes, Items };
 benchmark::internal::Benchmark* Add(const std::string& job, const std::string& contestant, std::size_t amount,
                                     std::function<void()> run, Unit unit = Unit::Bytes);
 
+// The seconds of processor time that run takes of this process: what stays comparable while the machine does other
+// things, where run never waits.
+double ProcessorTime(const std::function<void()>& run);
+
 // Adds a contestant that takes its own time: run does the job once over and gives the seconds.
 benchmark::internal::Benchmark* AddTimed(const std::string& job, const std::string& contestant, std::size_t amount,
                                          std::function<double()> run, Unit unit = Unit::Bytes);
+
+// Adds a line to the table for each contestant that does both jobs: the time of larger for a byte, or an item, over
+// that of smaller.
+void Compare(const std::string& larger, const std::string& smaller);
 
 // Runs all that was added, with 9 rounds unless the arguments (those of Google Benchmark) say otherwise, and prints
 // the table. The result is the exit status.
