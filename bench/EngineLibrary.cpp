@@ -59,7 +59,6 @@ void WriteFile(const bench::Letter& letter, const std::string& attachment, const
     progress.Start(document.GetMailSize());
     bench::Require(stream.Open() != 0 && CEMailWriter(&stream, document, progress).Write(error) != 0,
                    "mailengine cannot write the file");
-    progress.Complete();
     stream.Close();
     bench::Require(stream.Failed() == 0, "mailengine lost bytes");
 }
@@ -85,7 +84,8 @@ CAddress SenderOf(const CMailDoc& document) {
 bench::Letter Read(const CString& message, const std::string& folder) {
     CMailDoc document;
     CEMailPerser parser;
-    bench::Require(parser.Perse(message, LibraryPath(folder), document, 0) != 0, "mailengine cannot read");
+    bench::Require(parser.Perse(message, folder.empty() ? CString() : LibraryPath(folder), document, 0) != 0,
+                   "mailengine cannot read");
     const CAddress from = SenderOf(document);
     const CAddress& to = *document.GetToAddress(0);
     return {std::string(from.GetDisplayName().View()), std::string(from.GetMailAddress().View()),

@@ -34,7 +34,9 @@ Held<GMimeMessage> NewMessage(const bench::Letter& letter, GMimeObject* content)
     GDateTime* const now = g_date_time_new_now_local();
     g_mime_message_set_date(message.get(), now);
     g_date_time_unref(now);
-    g_mime_message_set_message_id(message.get(), "20031015143000.4711@example.co.jp");
+    char* const id = g_mime_utils_generate_message_id("example.co.jp");
+    g_mime_message_set_message_id(message.get(), id);
+    g_free(id);
     g_mime_message_set_subject(message.get(), letter.subject.c_str(), kCharset);
     g_mime_message_set_mime_part(message.get(), content);
     return message;

@@ -17,7 +17,8 @@ struct Library {
     std::string (*write)(const Letter& letter);
     // The message with the file attached, to a new file.
     void (*writeFile)(const Letter& letter, const std::string& attachment, const std::string& path);
-    // Opens the message; attachments go into folder under their names.
+    // Opens the message; attachments go into folder, which may be empty if there are none, under their
+    // names.
     Letter (*read)(const CString& message, const std::string& folder);
 };
 

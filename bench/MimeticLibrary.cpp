@@ -1,6 +1,7 @@
 // mimetic leaves charsets and encoded words to its user: they are done here, in the way of a host that knows its mail.
 #include <bench/Bench.h>
 #include <bench/Libraries.h>
+#include <ctime>
 #include <fstream>
 #include <iconv.h>
 #include <iterator>
@@ -71,12 +72,18 @@ std::string WithoutWords(const std::string& text) {
     return out.append(text, at);
 }
 
+std::string Now() {
+    const std::time_t now = std::time(nullptr);
+    char text[64];
+    return {text, std::strftime(text, sizeof text, "%a, %d %b %Y %H:%M:%S %z", std::localtime(&now))};
+}
+
 void FillHeader(mimetic::MimeEntity& entity, const bench::Letter& letter) {
     mimetic::Header& header = entity.header();
     header.from(EncodedWord(letter.fromName) + " <" + letter.fromAddress + ">");
     header.to(EncodedWord(letter.toName) + " <" + letter.toAddress + ">");
-    header.field("Date").value("Wed, 15 Oct 2003 14:30:00 +0900");
-    header.field("Message-ID").value("<20031015143000.4711@example.co.jp>");
+    header.field("Date").value(Now());
+    header.messageid(mimetic::MessageId());
     header.subject(EncodedWord(letter.subject));
     header.mimeVersion(mimetic::MimeVersion("1.0"));
 }

@@ -69,12 +69,11 @@ void AddSmallMails() {
     for (std::size_t i = 0; i < kMails; ++i)
         messages->emplace_back(
             bench::kEngine.write(bench::Convert(bench::SmallLetter(i), bench::kEngine.charset, "UTF-8")));
-    const std::string out = bench::Folder("out");
     for (const bench::Library* library : bench::kLibraries) {
-        RequireLetter(*library, library->read(messages->at(7), out), bench::SmallLetter(7));
+        RequireLetter(*library, library->read(messages->at(7), ""), bench::SmallLetter(7));
         const auto run = [=] {
             for (const CString& message : *messages)
-                benchmark::DoNotOptimize(library->read(message, out));
+                benchmark::DoNotOptimize(library->read(message, ""));
         };
         bench::AddTimed(
             "small-mails-from-memory", library->name, kMails, [=] { return bench::ProcessorTime(run); },
