@@ -100,7 +100,7 @@ void MeasureMemory(std::size_t mebibytes) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (const std::size_t mebibytes : {20, 80})
+    for (const std::size_t mebibytes : {20u, 80u})
         MeasureMemory(mebibytes);
     AddExtraction("message-with-20MiB", MakeSample(20 * kMebibyte));
     AddExtraction("message-of-5MiB", MakeSample(AttachmentOf(5 * kMebibyte)));

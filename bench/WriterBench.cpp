@@ -181,7 +181,7 @@ void MeasureMemory(std::size_t mebibytes) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (const std::size_t mebibytes : {20, 80})
+    for (const std::size_t mebibytes : {20u, 80u})
         MeasureMemory(mebibytes);
     g_mime_init();
     AddBase64Lines(bench::AnyBytes(kFileBytes));
