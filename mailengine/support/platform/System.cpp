@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -10,6 +11,16 @@ namespace {
 CSystem g_builtIn;
 CSystem* g_installed = nullptr;
 
+// Has the C library look the local zone up once in each second at most: it asks the disk each time, which would take
+// longer than all the rest of a small mail. A user who changes the zone sees it in the mails of the next second.
+void LookUpZone() {
+    static std::atomic<std::int64_t> lookedUpAt{-1};
+    const std::int64_t now = std::time(nullptr);
+    if (lookedUpAt.load() == now) return;
+    tzset();
+    lookedUpAt.store(now);
+}
+
 }  // namespace
 
 std::int64_t CSystem::Time() {
@@ -19,7 +30,7 @@ std::int64_t CSystem::Time() {
 int CSystem::LocalTime(std::int64_t time, LocalFields& fields) {
     const std::time_t seconds = time;
     std::tm split{};
-    tzset();
+    LookUpZone();
     if (localtime_r(&seconds, &split) == nullptr) return 0;
     fields = {split.tm_year + 1900, split.tm_mon + 1, split.tm_mday, split.tm_hour,
               split.tm_min,         split.tm_sec,     split.tm_wday};
@@ -27,7 +38,7 @@ int CSystem::LocalTime(std::int64_t time, LocalFields& fields) {
 }
 
 std::int32_t CSystem::TimezoneWest() {
-    tzset();
+    LookUpZone();
     return static_cast<std::int32_t>(timezone);
 }
 

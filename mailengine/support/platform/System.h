@@ -1,6 +1,6 @@
 // CSystem: the clock, the zone, the process and the machine's name, the only facts of the surroundings that enter a
 // message. A test installs its own and so fixes a message to the byte. Install before other threads use the
-// library; the built-in system itself can be asked from any thread.
+// library; the built-in system itself can be asked from any thread, and follows a change of the zone within a second.
 #pragma once
 
 #include <cstdint>
