@@ -82,7 +82,7 @@ private:
     int WriteIdentityFields();
     int WritePlainText(const CString& text);
     int WriteJapaneseText(const CString& text);
-    int WriteBase64Line(const unsigned char* data, unsigned int length, CString& line);
+    int WriteBase64Line(const unsigned char* data, unsigned int length);
     int WriteAttachment(const FileInfo& file, const AttachmentKind& kind, CString& error);
     int WriteAttachmentFields(const FileInfo& file, const AttachmentKind& kind);
     int WriteFileContent(CFile& file);

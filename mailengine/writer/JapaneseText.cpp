@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include <mailengine/encoding/Base64.h>
+#include <mailengine/encoding/Base64Groups.h>
 #include <mailengine/encoding/Language.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
@@ -101,20 +102,20 @@ int CEMailWriter::WriteJapaneseText(const CString& text) {
 }
 
 int CEMailWriter::WriteBase64(const unsigned char* data, unsigned int length) {
-    CString line;
     unsigned int lines = 0;
     for (; length >= wire::kBase64LineBytes; length -= wire::kBase64LineBytes, data += wire::kBase64LineBytes) {
-        if (WriteBase64Line(data, wire::kBase64LineBytes, line) == 0) return 0;
+        if (WriteBase64Line(data, wire::kBase64LineBytes) == 0) return 0;
         if (++lines < kLinesPerCallback) continue;
         if (m_progress.Callback(lines * wire::kBase64LineCharacters) == 0) return 0;
         lines = 0;
     }
-    return length == 0 ? 1 : WriteBase64Line(data, length, line);
+    return length == 0 ? 1 : WriteBase64Line(data, length);
 }
 
-int CEMailWriter::WriteBase64Line(const unsigned char* data, unsigned int length, CString& line) {
-    line.Empty();
-    CBase64::Encode(data, length, line);
+// A line on the stack: a string of its own for each costs as much as the encoding.
+int CEMailWriter::WriteBase64Line(const unsigned char* data, unsigned int length) {
+    char line[wire::kBase64LineCharacters + 1];
+    line[base64::EncodeGroups(data, length, line)] = 0;
     // The line end goes out behind a failed line too: a stream that recovers starts the next one at a line top.
     const int text = m_pStream->WriteString(line);
     const int end = m_pStream->WriteString(wire::kCrLf);
