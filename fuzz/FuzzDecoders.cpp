@@ -1,5 +1,6 @@
 // The three decoders and the two conversions, on any bytes: nothing is written outside the capacity (each buffer has
 // exactly that size), results follow a literal reading of the rules, and what was encoded decodes to itself.
+#include <fuzz/LiteralConversions.h>
 #include <fuzz/LiteralDecoders.h>
 #include <fuzz/Require.h>
 #include <string>
@@ -49,6 +50,9 @@ void CheckConversions(const CString& text) {
     Require(back.View().find_first_of(std::string_view("\x1b\0", 2)) == std::string_view::npos, "no ESC and no NUL");
     CString wire;
     CLanguage::SJIS_JIS(text, LengthOf(text), wire);
+    const std::string bytes(text.View());
+    Require(back.View() == LiteralToShiftJis(bytes), "a conversion from the wire as its rules say");
+    Require(wire.View() == LiteralToJis(bytes, ""), "a conversion to the wire as its rules say");
     // What seven bits brought holds only characters that the wire has, so it survives the way there and back.
     for (const char c : text.View())
         if (static_cast<unsigned char>(c) >= 0x80) return;

@@ -1,5 +1,6 @@
 // CLanguage: worked bytes of both directions, half-width kana, cuts, and both conversions against their rules written
 // out one by one.
+#include <fuzz/LiteralConversions.h>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -8,7 +9,6 @@
 #include <vector>
 
 #include <mailengine/encoding/Language.h>
-#include <mailengine/support/platform/Characters.h>
 
 namespace {
 
@@ -24,78 +24,6 @@ Bytes ToShiftJis(const Bytes& text) {
     CString out("old");
     CLanguage::JIS_SJIS(text.data(), static_cast<unsigned int>(text.size()), out);
     return Bytes(out.View());
-}
-
-struct Protected : CLanguage {
-    using CLanguage::ConvHanKana_ZenKana;
-    using CLanguage::ConvKanji_JIS_SJIS;
-    using CLanguage::ConvKanji_SJIS_JIS;
-};
-
-Bytes KanjiToJis(char lead, char trail) {
-    Bytes pair(2, '?');
-    Protected::ConvKanji_SJIS_JIS(lead, trail, pair[0], pair[1]);
-    return pair;
-}
-
-Bytes KanjiToShiftJis(char row, char cell) {
-    Bytes pair(2, '?');
-    Protected::ConvKanji_JIS_SJIS(row, cell, pair[0], pair[1]);
-    return pair;
-}
-
-// The rules of both conversions, one after the other and one byte at a time.
-
-bool IsDouble(char c) {
-    return CLanguage::IsJSjisKanji(c) || CLanguage::IsHankakuKana(c);
-}
-
-Bytes LiteralToJis(const Bytes& text, Bytes out) {
-    enum { Start, Single, Double } state = Start;
-    for (std::size_t at = 0; at < text.size();) {
-        const char* const src = text.c_str() + at;
-        if (!IsDouble(*src)) {
-            if (state == Double || (state == Start && !out.empty())) out += "\x1b(B";
-            state = Single;
-            out += *src;
-            ++at;
-            continue;
-        }
-        if (state != Double) out += "\x1b$B";
-        state = Double;
-        char wide[3] = {src[0], src[1], 0};
-        at += CLanguage::IsJSjisKanji(*src) ? 2 : Protected::ConvHanKana_ZenKana(src, wide);
-        if (const Bytes pair = KanjiToJis(wide[0], wide[1]); pair != Bytes(2, '\0')) out += pair;
-    }
-    return state == Single ? out : out + "\x1b(B";
-}
-
-Bytes LiteralToShiftJis(const Bytes& text) {
-    bool plain = true, e = false, p = false, d = false, kanji = false, half = false;
-    Bytes out;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == 0x1B) {
-            e = true;
-            plain = false;
-        } else if (plain) {
-            out += c;
-        } else if (e && (c == '(' || c == '$')) {
-            (c == '(' ? p : d) = true;
-            e = false;
-        } else if (p && (c == 'B' || c == 'J' || c == 'H' || c == 'I')) {
-            kanji = p = false;
-        } else if (d && (c == '@' || c == 'B')) {
-            kanji = true;
-            d = false;
-        } else {
-            e = p = d = false;
-            if (!kanji) out += c;
-            if (kanji && half) out += KanjiToShiftJis(text[i - 1], c);
-            if (kanji) half = !half;
-        }
-    }
-    return Bytes(out.c_str());
 }
 
 Bytes EveryByte() {
