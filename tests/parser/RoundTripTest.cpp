@@ -1,8 +1,8 @@
 // What the writer writes the parser reads back to the same document.
+#include <fuzz/RoundTrip.h>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
-#include <tests/RoundTrip.h>
 #include <tests/TempFolder.h>
 
 namespace {
