@@ -1,6 +1,6 @@
 // CSystem: the clock, the zone, the process and the machine's name, the only facts of the surroundings that enter a
 // message. A test installs its own and so fixes a message to the byte. Install before other threads use the
-// library; the built-in system itself can be asked from any thread, and follows a change of the zone within a second.
+// library; the built-in system itself can be asked from any thread.
 #pragma once
 
 #include <cstdint>
@@ -18,9 +18,11 @@ public:
 
     // Seconds since 1970-01-01 00:00:00 UTC.
     virtual std::int64_t Time();
-    // Splits time by the local zone, summer time included. 0: the time cannot be told; fields stay as they were.
+    // Looks the local zone up and splits time by it, summer time included. 0: the time cannot be told; fields stay as
+    // they were.
     virtual int LocalTime(std::int64_t time, LocalFields& fields);
-    // Seconds that the zone's standard time lies west of UTC; summer time is not looked at. Japan gives -32400.
+    // Seconds that standard time lies west of UTC in the zone that LocalTime looked up last, or in that of now if it
+    // has not been asked yet; summer time is not looked at. Japan gives -32400.
     virtual std::int32_t TimezoneWest();
     virtual std::uint32_t ProcessId();
     // Puts the machine's name and a NUL into buffer, of size bytes. 0 on success; else buffer is not to be used.
