@@ -96,6 +96,15 @@ TEST(File, RaisesAtTheByteWhereTheSizeLimitLies) {
                 };
                 ASSERT_EQ(InChild(write), 0) << "limit " << limit << ", chunks of " << chunk;
             }
+    // A limit that falls after room was promised is noticed at the latest by Close, which closes all the same.
+    const auto lower = [&] {
+        CFile file;
+        if (!file.Open(path.c_str(), kWriting) || Raised([&] { file.Write("0123456789", 10); }) != 0) return 1;
+        const rlimit sizes{4, 4};
+        if (setrlimit(RLIMIT_FSIZE, &sizes) != 0 || Raised([&] { file.Close(); }) != EFBIG) return 2;
+        return Raised([&] { file.Write("x", 1); }) == EBADF ? 0 : 3;
+    };
+    EXPECT_EQ(InChild(lower), 0);
 }
 
 constexpr int kCannotMount = 99;
