@@ -9,6 +9,7 @@
 
 #include "Border.h"
 #include "Failure.h"
+#include "MailText.h"
 #include "OneLine.h"
 #include "ReplyCommand.h"
 #include "TerminalWindows.h"
@@ -111,9 +112,12 @@ void Send(const CMailDoc& doc, bool quiet) {
         sent = CMailSendRecv::SendWhole(doc, progress, error);
         cancelled = !sent && progress.UserCanceled();
     }
-    if (sent) return;
+    if (sent) {
+        if (!quiet) std::cerr << "送信しました。\n" << std::flush;
+        return;
+    }
     if (cancelled) throw CFailure("cancelled; the mail was not sent", kExitCancelled);
-    const std::string reason = OneLine(error);
+    const std::string reason = mailtext::LineShown(error.View());
     throw CFailure(reason.empty() ? "the server closed the connection without a reason; the mail was not sent"
                                   : "the mail was not sent: " + reason);
 }
@@ -130,7 +134,9 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
     m_pCommand->add_flag("--dry-run", m_bDryRun, "Print sender, recipients and size; connect to nothing");
     m_pCommand->add_flag("--quiet", m_bQuiet, "Show no progress");
     m_pCommand->footer(
-        "Texts are UTF-8. The recipients are those of --to, --cc and --bcc; they get the whole mail or nothing.\n"
+        "Texts are UTF-8. The recipients are those of --to, --cc and --bcc, the sender with --sender-bcc, and those "
+        "of\n"
+        "an answer; they get the whole mail or nothing.\n"
         "Ctrl-C cancels, a second one ends the program at once.\n"
         "Exit status: 0 the server took the mail, 1 failed, 2 the command line is wrong, 130 cancelled.");
 }

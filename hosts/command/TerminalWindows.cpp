@@ -43,9 +43,12 @@ CTerminalWindows::CTerminalWindows(bool quiet) : m_bQuiet(quiet), m_bTerminal(Is
     g_pressed = 0;
     g_pressedBefore = 0;
     struct sigaction action {};
-    action.sa_handler = NotePress;  // no SA_RESTART: a wait for the server looks at the messages at once
+    action.sa_handler = NotePress;
+    action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, &m_oldInterrupt);
+    sigaction(SIGINT, nullptr, &m_oldInterrupt);
+    // One that is ignored (a shell's background job) is meant for another program.
+    if (m_oldInterrupt.sa_handler != SIG_IGN) sigaction(SIGINT, &action, nullptr);
 }
 
 CTerminalWindows::~CTerminalWindows() {
@@ -72,6 +75,7 @@ HWND CTerminalWindows::MakeDialog(const platform::DialogTemplate& dialog, HWND) 
     m_nPercent = 0;
     m_nDrawn = -1;
     m_bShown = false;
+    m_bCancelled = false;
     return window;
 }
 
@@ -84,10 +88,7 @@ HWND CTerminalWindows::GetControl(HWND dialog, int id) {
 void CTerminalWindows::DestroyWindow(HWND window) {
     if (m_bShown && !m_bQuiet) {
         DrawIfDue();
-        if (m_bTerminal)
-            std::cerr << '\n' << std::flush;
-        else
-            std::cerr << Caption() << ": " << m_nPercent << "%\n" << std::flush;
+        if (m_bTerminal) std::cerr << '\n' << std::flush;
     }
     const Window* const gone = Of(window);
     m_windows.remove_if([gone](const Window& one) { return &one == gone || one.dialog == gone; });
@@ -114,6 +115,7 @@ void CTerminalWindows::SetProgressRange(HWND, int lowest, int highest) {
 }
 
 void CTerminalWindows::SetProgressPosition(HWND, int position) {
+    if (m_bCancelled) return;
     const int done = std::clamp(position, m_nLowest, m_nHighest) - m_nLowest;
     m_nPercent = done * 100 / (m_nHighest - m_nLowest);
     DrawIfDue();
@@ -141,6 +143,7 @@ int CTerminalWindows::MessageWaits() {
 
 int CTerminalWindows::PumpMessage() {
     g_pressed = 0;
+    m_bCancelled = true;
     if (Window* const dialog = Dialog(); dialog != nullptr) platform::DeliverCommand(Handle(*dialog), IDCANCEL);
     return 1;
 }

@@ -2,7 +2,8 @@
 // button, a message box is a line. Installed while it lives; one at a time, on the main thread.
 //
 // Where stderr is a terminal the line holds caption, bar and percentage and is drawn anew at most 20 times a second;
-// elsewhere a plain line says that the operation began and another how far it came. With quiet neither is shown.
+// elsewhere a plain line says that the operation began. With quiet neither is shown. The bar of an operation that is
+// cancelled stays where it was; that of any other goes to its end, and the command says below what came of it.
 //
 // The first Ctrl-C cancels as the dialog would, at the next look at the messages; a second one ends the program.
 #pragma once
@@ -60,5 +61,6 @@ private:
     int m_nPercent = 0;
     int m_nDrawn = -1;  // the percentage on the screen; -1: none
     bool m_bShown = false;
+    bool m_bCancelled = false;
     Clock::time_point m_lastDrawing;
 };

@@ -77,7 +77,7 @@ void WriteDecoded(CFile& file, std::string_view data, Encoding encoding, std::ve
     }
 }
 
-// Runs what may raise an exception of the file layer. 0: it did.
+// Runs what may raise an exception of the file layer, or run out of memory. 0: it did.
 template <class Step>
 int Guarded(Step step) {
     try {
@@ -85,6 +85,8 @@ int Guarded(Step step) {
         return 1;
     } catch (CException* exception) {
         exception->Delete();
+        return 0;
+    } catch (const std::bad_alloc&) {  // a piece of escapes without an end outgrew the buffer
         return 0;
     }
 }
@@ -101,7 +103,7 @@ int WriteNewFile(const Findings& findings, const CString& name, std::string_view
     return 1;
 }
 
-// A refusal and a lack of memory come before the file is made.
+// A refusal comes before the file is made, and so does the lack of memory for the buffer or the converted data.
 int DecodeToFile(const Findings& findings, const CString& name, std::string_view data, Encoding encoding,
                  const CString& charset) {
     if (RefusesDecoding(data, encoding)) return 0;

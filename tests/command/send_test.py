@@ -137,15 +137,17 @@ class SendTest(unittest.TestCase):
             with connection:
                 for _ in range(presses):
                     process.send_signal(signal.SIGINT)
+                    while re.search(r"ShdPnd:\s*0*[1-9a-f]", pathlib.Path(f"/proc/{process.pid}/status").read_text()):
+                        pass  # two presses that wait together count as one
                 status = process.wait(30)
         return status, os.read(terminal, 65536).decode()
 
     def test_ctrl_c_cancels_and_a_second_one_ends(self):
         status, shown = self.press(1)
         self.assertEqual(status, 130)
-        self.assertRegex(shown, r"\r\x1b\[K送信中 \[-{30}\] 0%.*\r\nmailengine: cancelled; the mail was not sent\r\n$")
-        status, _ = self.press(40)
-        self.assertIn(status, (130, -signal.SIGINT))
+        self.assertRegex(shown, r"\r\x1b\[K送信中 \[-{30}\] 0%\r\nmailengine: cancelled; the mail was not sent\r\n$")
+        # On a busy machine the first press may have ended it before the second comes.
+        self.assertIn(-signal.SIGINT, (self.press(2)[0] for _ in range(20)))
 
     def test_progress_reaches_its_end(self):
         server = self.serve(Aiosmtpd(self.folder / "shown"))
@@ -160,9 +162,9 @@ class SendTest(unittest.TestCase):
         reader.join()
         os.close(terminal)
         shown = b"".join(seen).decode()
-        self.assertTrue(shown.endswith("[" + "#" * 30 + "] 100%\r\n"), shown)
+        self.assertTrue(shown.endswith("[" + "#" * 30 + "] 100%\r\n送信しました。\r\n"), shown)
         plain = self.run_it("send", "--server", f"127.0.0.1:{server.port}", *LETTER)
-        self.assertEqual(plain.stderr.decode(), "送信中...\n送信中: 100%\n")
+        self.assertEqual(plain.stderr.decode(), "送信中...\n送信しました。\n")
 
     @staticmethod
     def read(terminal):

@@ -105,7 +105,11 @@ class Postfix:
         (self.folder / "etc/main.cf").write_text(main)
         (self.folder / "etc/master.cf").write_text(POSTFIX_SERVICES.format(self.port))
         subprocess.run(["/usr/sbin/postfix", "-c", self.folder / "etc", "start"], check=True, capture_output=True)
-        self.wait_for(self.listens, "postfix does not listen")
+        try:
+            self.wait_for(self.listens, "postfix does not listen")
+        except RuntimeError:
+            self.stop()
+            raise
 
     def listens(self):
         with socket.socket() as probe:

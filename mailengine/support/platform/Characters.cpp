@@ -76,8 +76,10 @@ std::size_t FindText(std::string_view text, std::string_view needle, std::size_t
 }
 
 std::size_t FindTextBeforeNul(std::string_view text, std::string_view needle) {
+    // A long needle is prepared anew for each window, so the windows grow with it.
+    const std::size_t largest = std::max(kLargestWindow, 4 * needle.size());
     std::size_t top = 0;
-    for (std::size_t window = kFirstWindow;; window = std::min(window * 2, kLargestWindow)) {
+    for (std::size_t window = kFirstWindow;; window = std::min(window * 2, largest)) {
         const std::size_t end = std::min(text.size(), top + window);
         std::size_t found = FindText(text.substr(0, end + needle.size()), needle, top);
         // A match at the window's end cannot see the byte behind it, which may be a trail byte: the next window can.

@@ -151,10 +151,12 @@ int CFile::OpenForReading(const char* path) {
 }
 
 int CFile::OpenForWriting(const char* path, bool isNew) {
-    const int descriptor = OpenDescriptor(path, O_WRONLY | O_CREAT | (isNew ? O_EXCL | O_NOFOLLOW : 0));
+    // A FIFO that nobody reads fails to open: waiting for a reader would hold the host's window. O_NONBLOCK is for the
+    // open alone.
+    const int descriptor = OpenDescriptor(path, O_WRONLY | O_CREAT | O_NONBLOCK | (isNew ? O_EXCL | O_NOFOLLOW : 0));
     if (descriptor < 0) return 0;
     struct stat status {};
-    const bool known = fstat(descriptor, &status) == 0;
+    const bool known = fstat(descriptor, &status) == 0 && fcntl(descriptor, F_SETFL, 0) == 0;
     if (!known || (S_ISREG(status.st_mode) && !TakeOver(descriptor))) {
         Abandon(descriptor);
         return 0;
