@@ -5,6 +5,8 @@
 #include <iconv.h>
 #include <memory>
 
+#include <mailengine/support/platform/Characters.h>
+
 #include "Failure.h"
 #include "Utf8.h"
 
@@ -13,12 +15,6 @@ namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr std::uint16_t kGeta = 0x81AC;  // 〓, what printers set for a character that they lack
 
-bool IsLead(unsigned char byte) {
-    return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
-}
-bool IsTrail(unsigned char byte) {
-    return byte >= 0x40 && byte <= 0xFC && byte != 0x7F;
-}
 bool IsHalfWidthKana(unsigned char byte) {
     return byte >= 0xA1 && byte <= 0xDF;
 }
@@ -67,7 +63,7 @@ CTables::CTables() {
         throw CFailure("this system's libc has no conversion for code page 932; install its gconv modules");
     }
     for (unsigned lead = 0x81; lead <= 0xFC; ++lead) {
-        if (IsLead(static_cast<unsigned char>(lead))) ReadRow(converter, lead);
+        if (platform::IsLeadByte(static_cast<unsigned char>(lead))) ReadRow(converter, lead);
     }
     iconv_close(converter);
     for (const Rows& rows : kCarriedRows) {
@@ -126,9 +122,9 @@ utf8::Character InsideCharacterAt(std::string_view text, std::size_t offset) {
     const auto first = static_cast<unsigned char>(text[offset]);
     if (first < 0x80) return {first, 1};
     if (IsHalfWidthKana(first)) return {first - 0xA1 + kFirstHalfWidthKana, 1};
-    if (!IsLead(first) || offset + 1 == text.size()) return {kReplacement, 1};
+    if (!platform::IsLeadByte(first) || offset + 1 == text.size()) return {kReplacement, 1};
     const auto second = static_cast<unsigned char>(text[offset + 1]);
-    if (!IsTrail(second)) return {kReplacement, 1};
+    if (!platform::IsTrailByte(second)) return {kReplacement, 1};
     const char16_t character = Tables().CharacterOf(first, second);
     return {character == 0 ? kReplacement : character, 2};
 }

@@ -33,8 +33,8 @@ constexpr bool IsWhiteSpace(char c) {
 }
 
 // The low byte of the number that the two characters give when they are read as hex text: white space in front is
-// passed over, a sign counts, and the first character that is no digit ends the number. Other mail programs read
-// broken escapes so, and a text keeps its length with it.
+// passed over, a sign counts, and the first character that is no digit ends the number. A broken
+// escape thus gives a byte too, and never ends a text.
 constexpr unsigned char ByteOf(char first, char second) {
     const int high = DigitOf(first), low = DigitOf(second);
     if (high >= 0) return static_cast<unsigned char>(low >= 0 ? high << 4 | low : high);

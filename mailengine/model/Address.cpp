@@ -28,7 +28,7 @@ void CAddress::Clear() {
 }
 
 void CAddress::FromText(const CString& text) {
-    const CString source = text;  // text may be a copy's source inside this object
+    const CString source = text;  // Clear would empty it if it were one of this object's own
     Clear();
     const int open = source.Find('<');
     if (open == -1) {

@@ -9,6 +9,7 @@
 class MAILENGINE_API CAddress {
 public:
     CAddress() = default;
+    // Texts up to their NUL, code page 932; a null one is empty.
     CAddress(const char* groupName, const char* displayName, const char* mailAddress);
     CAddress(const CAddress&) = default;
     CAddress& operator=(const CAddress&) = default;

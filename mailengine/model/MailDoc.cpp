@@ -129,7 +129,7 @@ void CMailDoc::GetBodyWithLetter(CString& text) const {
     const std::string_view reply = body.substr(0, mark == -1 ? body.size() : static_cast<std::size_t>(mark));
     const std::string_view quoted = body.substr(reply.size());
 
-    CString letter;  // not text itself: that may be a field's copy given back in
+    CString letter;
     if (!m_dear.IsEmpty()) AppendPart(letter, m_dear.View());
     if (!m_greeting.IsEmpty()) AppendPart(letter, m_greeting.View());
     letter += reply;

@@ -75,8 +75,9 @@ public:
     void GetSignature(CString& signature) const { signature = m_signature; }
     void SetSignature(const CString& signature);  // modifies
 
-    // The text that the message carries: the parts that are not empty, in their order, with an empty line between
-    // them. With UpperReplyFlg the body is cut in front of its first line "----- Original Message": closing and
+    // The text that the message carries: the parts that are not empty, in their order. Salutation and greeting have an
+    // empty line behind them; closing and signature have one in front, even where nothing stands before. With
+    // UpperReplyFlg the body is cut in front of the first CRLF with "----- Original Message" behind it: closing and
     // signature come behind the reply, the quoted mail last. No CRLF is added at the end.
     void GetBodyWithLetter(CString& text) const;
 
@@ -98,7 +99,7 @@ public:
     int AddToAddress(const CAddress& address);                   // modifies
     int AddToAddresses(const CPtrArray& addresses);              // of CAddress*; modifies, even if it added nothing
     int AddToAddresses(const std::vector<CAddress>& addresses);  // modifies, even if it added nothing
-    void ClearToAddresses();
+    void ClearToAddresses();                                     // the modified flag stays as it is
 
     // The Cc addresses, by the same rules; the CPtrArray form modifies only if it added something.
     unsigned int GetCcAddressSize() const { return Size(m_ccAddresses); }
@@ -150,8 +151,8 @@ public:
     void ClearAll();
 
     // The amount, in bytes, that progress counts against (CProgressCallback::Start): the body and the attachments as
-    // Base64. A little more than is written of these; letter parts and header fields are not counted. It ends at the
-    // largest unsigned int.
+    // Base64, by their sizes here: an estimate of what is written. Letter parts and header fields are not counted. It
+    // ends at the largest unsigned int.
     unsigned int GetMailSize() const;
 
     // Saves the document as a message file, under the user's eyes: runs dialog, writes to the path that it gives, shows

@@ -41,7 +41,7 @@ void CMailDoc::RemoveTempPath() {
 }
 
 unsigned int CMailDoc::GetMailSize() const {
-    std::uint64_t total = CBase64::CalcEnecodedSize(GetBodySize());
+    std::uint64_t total = CBase64::CalcEnecodedSize(static_cast<unsigned int>(m_body.GetLength()));
     for (const FileInfo& file : m_files)
         total += CBase64::CalcEnecodedSize(static_cast<unsigned int>(CFileUtility::GetFileSize(file.Path)));
     return static_cast<unsigned int>(std::min<std::uint64_t>(total, std::numeric_limits<unsigned int>::max()));

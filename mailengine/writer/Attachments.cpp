@@ -136,11 +136,11 @@ int CEMailWriter::WriteMailContent(CFile& file) {
             read = file.Read(piece, kMailPieceBytes);
             if (read > 0) status = m_pStream->WriteString(piece);
         }
+        file.Close();
     } catch (CFileException* exception) {
         exception->Delete();
         status = 0;
     }
-    file.Close();
     (void)m_pStream->WriteString(wire::kCrLf);
     return status;
 }

@@ -27,7 +27,8 @@ CString DateText(const CSystem::LocalFields& time, std::int32_t secondsWest) {
 
 CString HostName() {
     char name[256];
-    return CSystem::Get().HostName(name, sizeof name) == 0 ? CString(name) : CString("localhost");
+    const bool named = CSystem::Get().HostName(name, sizeof name) == 0 && name[0] != 0;
+    return named ? CString(name) : CString("localhost");
 }
 
 // QUIRK: two messages of one process and second share their identifier (RFC 5322 3.6.4 wants each unique).

@@ -12,6 +12,7 @@
 
 namespace platform {
 
+// Whether byte can begin a character of two bytes, and whether it can end one.
 constexpr bool IsLeadByte(unsigned char byte) {
     return (byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC);
 }

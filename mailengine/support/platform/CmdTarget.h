@@ -3,6 +3,8 @@
 
 #include <mailengine/support/platform/Export.h>
 
+// An archive of the framework. Nothing in this library writes to one.
+class CArchive;
 class CObject;
 
 // What the framework knows of a class: its name, its base and how to make an object of it.
@@ -14,8 +16,11 @@ struct CRuntimeClass {
 
 class MAILENGINE_API CObject {
 public:
-    virtual ~CObject() = default;
+    // The record of the object's class.
     virtual const CRuntimeClass* GetRuntimeClass() const;
+    virtual ~CObject() = default;
+    // Stores or loads the object's data. Does nothing.
+    virtual void Serialize(CArchive& archive);
     static const CRuntimeClass classCObject;
 };
 
@@ -36,6 +41,7 @@ struct AFX_MSGMAP {
 
 class MAILENGINE_API CCmdTarget : public CObject {
 public:
+    // The message map of the object's class.
     virtual const AFX_MSGMAP* GetMessageMap() const;
     static const AFX_MSGMAP messageMap;
 };

@@ -16,7 +16,7 @@ const CRuntimeClass* CDocument::GetRuntimeClass() const {
     return &classCDocument;
 }
 
-void CDocument::Serialize(CArchive&) {}
+void CObject::Serialize(CArchive&) {}
 
 int CDocument::OnNewDocument() {
     return 1;

@@ -5,9 +5,6 @@
 #include <mailengine/support/platform/CmdTarget.h>
 #include <mailengine/support/platform/Export.h>
 
-// An archive of the framework. Nothing in this library writes to one.
-class CArchive;
-
 class MAILENGINE_API CDocument : public CCmdTarget {
 public:
     CDocument() = default;
@@ -20,9 +17,6 @@ public:
     // Whether the document was changed since it was made, cleared or saved.
     virtual int IsModified() { return m_bModified; }
     virtual void SetModifiedFlag(int modified = 1) { m_bModified = modified; }
-
-    // Stores or loads the document's data. Does nothing.
-    virtual void Serialize(CArchive& archive);
 
 protected:
     // Called by the framework when a document begins anew. 1: the document is ready.

@@ -86,18 +86,25 @@ void Abandon(int descriptor) {
     errno = error;
 }
 
+// Locks a regular file, shared or alone; whether another CFile stands against it. A file system without locks is no
+// reason to refuse.
+bool IsLockedOut(int descriptor, int lock) {
+    return Uninterrupted([&] { return flock(descriptor, lock | LOCK_NB); }) != 0 && errno == EWOULDBLOCK;
+}
+
 // Whether a descriptor opened for reading may be read, which never waits for a writer.
 int AdmitReader(int descriptor) {
     struct stat status {};
     if (fstat(descriptor, &status) != 0) return 0;
     if (S_ISDIR(status.st_mode)) return Refuse(EISDIR);
     if (S_ISFIFO(status.st_mode)) return Refuse(ESPIPE);
+    if (S_ISREG(status.st_mode) && IsLockedOut(descriptor, LOCK_SH)) return 0;
     return fcntl(descriptor, F_SETFL, 0) == 0;  // O_NONBLOCK was for the open alone
 }
 
-// Locks and empties a regular file. A file system without locks is no reason to refuse.
+// Locks and empties a regular file.
 int TakeOver(int descriptor) {
-    if (Uninterrupted([&] { return flock(descriptor, LOCK_EX | LOCK_NB); }) != 0 && errno == EWOULDBLOCK) return 0;
+    if (IsLockedOut(descriptor, LOCK_EX)) return 0;
     struct stat status {};
     if (fstat(descriptor, &status) != 0) return 0;
     return status.st_size == 0 || Uninterrupted([&] { return ftruncate(descriptor, 0); }) == 0;

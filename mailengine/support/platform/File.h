@@ -35,12 +35,12 @@ public:
     CFile(const CFile&) = delete;
     CFile& operator=(const CFile&) = delete;
 
-    // Opens path. Without shareDenyNone a regular file is locked against every other CFile that writes it, by an
-    // advisory lock that readers and other programs need not heed. The file is not handed to programs that the process
-    // starts. 0: this object is open already, the flags are none of the sets above, path is a directory, is written
-    // elsewhere, or cannot be opened; platform::GetLastError() tells which and error, if given, receives the same
-    // number. A FIFO is refused for reading, since it would wait for a writer without end, and for writing while nobody
-    // reads it.
+    // Opens path. A regular file that is written is locked against every other CFile, one that is read against those
+    // that write, by an advisory lock that other programs need not heed. The file is not handed to programs that the
+    // process starts. 0: this object is open already, the flags are none of the sets above, path is a directory, is
+    // written elsewhere, or cannot be opened; platform::GetLastError() tells which and error, if given, receives the
+    // same number. A FIFO is refused for reading, since it would wait for a writer without end, and for writing while
+    // nobody reads it.
     [[nodiscard]] int Open(const char* path, unsigned int flags, CFileException* error = nullptr);
 
     // Copies the next bytes, at most count, to buffer. The result is their number, below count only at the end, 0

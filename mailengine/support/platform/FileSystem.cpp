@@ -46,7 +46,7 @@ bool Matches(std::string_view name, std::string_view mask) {
             name.remove_prefix(mask[0] == '?' ? FrontCharacter(name) : 1);
             mask.remove_prefix(1);
         } else if (hasStar) {
-            retryName.remove_prefix(1);
+            retryName.remove_prefix(FrontCharacter(retryName));
             name = retryName;
             mask = retryMask;
         } else {
@@ -89,6 +89,17 @@ int FindOne(const std::string& path, std::string_view name, platform::WIN32_FIND
     return 1;
 }
 
+// The folder that a path down to its last slash names, unless that is a link; null if it cannot be opened.
+DIR* OpenFolder(std::string path) {
+    if (path.empty()) path = ".";
+    if (path.size() > 1 && path.back() == '/') path.pop_back();  // behind a last slash a link would be followed
+    const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor < 0) return nullptr;
+    DIR* const directory = fdopendir(descriptor);
+    if (directory == nullptr) close(descriptor);
+    return directory;
+}
+
 platform::HANDLE HandleOf(std::unique_ptr<Search> search) {
     return reinterpret_cast<platform::HANDLE>(search.release());
 }
@@ -107,7 +118,7 @@ platform::HANDLE platform::FindFirstFileA(const char* pattern, WIN32_FIND_DATAA&
     if (name.find_first_of("*?") == std::string::npos)
         return FindOne(path, name, data) ? HandleOf(std::move(search)) : INVALID_HANDLE_VALUE;
     search->mask = name;
-    search->directory.reset(opendir(nameTop == 0 ? "." : path.substr(0, nameTop).c_str()));
+    search->directory.reset(OpenFolder(path.substr(0, nameTop)));
     return FindNext(*search, data) ? HandleOf(std::move(search)) : INVALID_HANDLE_VALUE;
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <vector>
 
+// An index or size is never negative.
 class CPtrArray {
 public:
     int GetSize() const { return static_cast<int>(m_items.size()); }

@@ -132,8 +132,9 @@ int CString::Replace(const char* oldText, const char* newText) {
     int count = 0;
     std::string result;
     std::size_t done = 0;
-    for (std::size_t at; (at = platform::FindText(m_text, needle, done)) != kNone; done = at + needle.size()) {
-        result.append(m_text, done, at - done).append(ViewOf(newText));
+    // A match ends with a character, so the next search may count its characters from there.
+    for (std::size_t at; (at = platform::FindText(View().substr(done), needle)) != kNone; done += at + needle.size()) {
+        result.append(m_text, done, at).append(ViewOf(newText));
         ++count;
     }
     if (count > 0) m_text = result.append(m_text, done);

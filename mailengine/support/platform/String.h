@@ -25,6 +25,7 @@ public:
     explicit CString(std::string_view bytes) : m_text(bytes) {}
     explicit CString(std::string&& bytes) noexcept : m_text(std::move(bytes)) {}
 
+    // Becomes the text up to its NUL.
     CString& operator=(const char* text);
 
     // The text with a NUL behind it, valid until the string is next changed or destroyed.
@@ -34,11 +35,13 @@ public:
 
     // Length in bytes. A text too long for an int gives INT_MAX; View() tells its true size.
     int GetLength() const { return m_text.size() < INT_MAX ? static_cast<int>(m_text.size()) : INT_MAX; }
+    // Whether it holds no byte; makes it so.
     bool IsEmpty() const { return m_text.empty(); }
     void Empty() { m_text.clear(); }
     // The byte at index, which must be below the length.
     char GetAt(int index) const { return m_text[static_cast<std::size_t>(index)]; }
 
+    // Appends: a CString or a view with all its bytes, a const char* up to its NUL.
     CString& operator+=(const CString& text);
     CString& operator+=(const char* text);
     CString& operator+=(char ch);
@@ -71,7 +74,7 @@ public:
     int Replace(const char* oldText, const char* newText);
     int Replace(char oldChar, char newChar);
 
-    // One argument of Format.
+    // One argument of Format. A text counts up to its NUL.
     class FormatArgument {
     public:
         FormatArgument(const char* text) : m_text(ViewOf(text)) {}
@@ -107,6 +110,7 @@ public:
     // Room for bytes in all, so that appending up to there does not move the text.
     void Reserve(std::size_t bytes) { m_text.reserve(bytes); }
 
+    // Compares and joins all bytes; a const char* counts up to its NUL.
     friend bool operator==(const CString& a, const CString& b) { return a.m_text == b.m_text; }
     friend bool operator==(const CString& a, const char* b) { return a.m_text == ViewOf(b); }
     friend CString operator+(const CString& a, const CString& b) { return Join(a.m_text, b.m_text); }

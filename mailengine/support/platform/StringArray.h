@@ -6,6 +6,7 @@
 
 #include <mailengine/support/platform/String.h>
 
+// An index or size is never negative.
 class CStringArray {
 public:
     int GetSize() const { return static_cast<int>(m_items.size()); }

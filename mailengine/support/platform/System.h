@@ -24,9 +24,11 @@ public:
     // Seconds that standard time lies west of UTC in the zone that LocalTime looked up last, or in that of now if it
     // has not been asked yet; summer time is not looked at. Japan gives -32400.
     virtual std::int32_t TimezoneWest();
+    // The number of this process.
     virtual std::uint32_t ProcessId();
     // Puts the machine's name and a NUL into buffer, of size bytes. 0 on success; else buffer is not to be used.
     virtual int HostName(char* buffer, int size);
+    // Holds the calling thread; signals do not shorten it.
     virtual void Sleep(unsigned int milliseconds);
 
     // The installed system, the built-in one if there is none.
