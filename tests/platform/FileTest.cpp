@@ -167,9 +167,11 @@ TEST(File, OpensWhatIsAFileAndFree) {
     ASSERT_TRUE(first.Open(path.c_str(), kWriting));
     first.Write("kept", 4);
     EXPECT_FALSE(CFile().Open(path.c_str(), kWriting));  // one writer at a time
-    EXPECT_TRUE(reader.Open(path.c_str(), kReading));
-    EXPECT_FALSE(first.Open(path.c_str(), kReading));  // is open already
+    EXPECT_FALSE(reader.Open(path.c_str(), kReading));   // and no reader beside it
+    EXPECT_FALSE(first.Open(path.c_str(), kReading));    // is open already
     first.Close();
+    EXPECT_TRUE(reader.Open(path.c_str(), kReading));
+    EXPECT_FALSE(first.Open(path.c_str(), kWriting));  // would empty what is being read
     std::filesystem::create_symlink("outside", folder / "dangling");
     std::filesystem::create_symlink("file", folder / "link");
     for (const char* const name : {"", "file", "dangling", "link"}) {
