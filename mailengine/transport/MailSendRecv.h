@@ -23,16 +23,17 @@ public:
     CMailSendRecv() = delete;
 
     // Sends doc so that the recipients get either the whole mail or none. 1: the server took the mail; error is as it
-    // was given. 0: it did not, and error says why: server, port or sender missing, an attachment that cannot be opened
-    // (both before any connection), a command refused, a file or the connection that failed on the way, the mail
-    // refused at the end of its data. error becomes empty where the server gave no reason: it closed the connection, or
-    // there are more than 100 recipients.
+    // was given. 0: it did not, and error says why: server, port or sender missing or unusable, an attachment that
+    // cannot be opened (all before any connection), a command refused, a file or the connection that failed on the way,
+    // a dialogue out of step (see CSmtp::Finish), the mail refused at the end of its data. error becomes empty where
+    // the server gave no reason: it closed the connection, or there are more than 100 recipients.
     //
-    // The user can cancel until the server has answered the end of the data, and so the dialog stands until then; only
-    // the look-up of the server's name cannot be stopped. The result is then 0, error is as it was given, and
-    // progress.UserCanceled() tells; a cancel that was noticed before the call counts too. A wait on the server ends at
-    // the limits of RFC 5321 4.5.3.2, with the text of a socket that failed with ETIMEDOUT. When a wait for the verdict
-    // on the mail ends so, by either, the server may still take it.
+    // The user can cancel until the server has answered the end of the data; only the look-up of the server's name
+    // cannot be stopped. The result is then 0, error is as it was given, and progress.UserCanceled() tells. The dialog
+    // stands until the session is over, but a press during QUIT changes nothing; a cancel that was noticed before the
+    // call counts too, and nothing is tried. A wait on the server ends at the limits of RFC 5321 4.5.3.2, with the text
+    // of a socket that failed with ETIMEDOUT. When a wait for the verdict on the mail ends so, by either, the server
+    // may still take it.
     static int SendWhole(const CMailDoc& doc, CProgressCallback& progress, CString& error);
 
     // Sends doc as far as it can be written. 1: the whole message was handed over, which is no promise that the server

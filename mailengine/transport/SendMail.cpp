@@ -1,8 +1,10 @@
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/support/ProgressCallback.h>
+#include <mailengine/support/Texts.h>
 #include <mailengine/support/platform/Socket.h>
 #include <mailengine/support/platform/StringArray.h>
 #include <mailengine/transport/SendMail.h>
@@ -36,11 +38,16 @@ class CSendWait : public CSocketWait {
 public:
     CSendWait(CProgressCallback& progress, const SendLimits& limits) : m_progress(progress), m_limits(limits) {}
 
-    int TimeLimit(int step) override { return m_limits[static_cast<std::size_t>(step)]; }
-    // The progress object tells a cancel once, to whoever asks first: the writer may have been the one.
-    int GoOn() override { return !m_progress.UserCanceled() && m_progress.Callback(0); }
+    int TimeLimit(int step) override {
+        m_nStep = step;
+        return m_limits[static_cast<std::size_t>(step)];
+    }
+    // The progress object tells a cancel once, to whoever asks first: the writer may have been the one. At QUIT what
+    // became of the mail is known, and a press comes too late to change it.
+    int GoOn() override { return m_nStep == CSmtp::kQuit || (!m_progress.UserCanceled() && m_progress.Callback(0)); }
 
 private:
+    int m_nStep = CSmtp::kConnect;
     CProgressCallback& m_progress;
     const SendLimits& m_limits;
 };
@@ -61,20 +68,26 @@ void TakeRecipients(const CMailDoc& doc, CStringArray& recipients) {
     if (doc.GetSenderBccFlg()) AddRecipient(&from, recipients);
 }
 
+bool IsFitToSend(const CString& server) {
+    return server.View().find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+}
+
 int TakeEnvelope(const CMailDoc& doc, Envelope& envelope, CString& error) {
     doc.GetSendServer(envelope.server, envelope.port);
     CAddress from;
     doc.GetFromAddress(from);
     envelope.sender = from.GetMailAddress();
-    const char* missing = nullptr;
+    const char* problem = nullptr;
     if (envelope.server.IsEmpty())
-        missing = "SendServer is empty.";
+        problem = "SendServer is empty.";
     else if (envelope.port < 0)
-        missing = "SendPort is invalid.";
+        problem = "SendPort is invalid.";
     else if (envelope.sender.IsEmpty())
-        missing = "Sender is empty.";
-    if (missing != nullptr) {
-        error = missing;
+        problem = "Sender is empty.";
+    else if (!IsFitToSend(envelope.server))  // behind a NUL it would be cut, and another server asked
+        problem = texts::kAddressUnusable;
+    if (problem != nullptr) {
+        error = problem;
         return 0;
     }
     TakeRecipients(doc, envelope.recipients);
@@ -110,6 +123,7 @@ int SendOnStream(const CMailDoc& doc, CProgressCallback& progress, int whole, CS
 }  // namespace
 
 int SendMail(const CMailDoc& doc, CProgressCallback& progress, CString& error, const SendPolicy& policy) {
+    if (policy.whole && progress.UserCanceled()) return 0;
     Envelope envelope;
     if (!TakeEnvelope(doc, envelope, error)) return 0;
     if (policy.whole && !CAttachmentCheck(nullptr, doc, progress).Check(doc, error)) return 0;

@@ -121,6 +121,31 @@ int CSmtp::End() {
     return WriteString("\r\n.\r\n", code);
 }
 
+int CSmtp::Finish() {
+    const int awaited = AwaitsData();
+    const int ended = awaited && End();
+    // Still the 3 of DATA if the dot could not be sent, and NUL if no reply came.
+    const char verdict = awaited ? m_szReply[0] : '\0';
+    if (ended && verdict == '3') m_strErrorDetail = ReplyText();
+    if (verdict == '3' || verdict == '\0')
+        Abort();
+    else
+        (void)Close();  // the mail is taken or refused by now; a lost QUIT changes nothing for the user
+    return ended && verdict == '2';
+}
+
+// Whether the server's last word was the go-ahead of DATA. If not, the text is what it said.
+int CSmtp::AwaitsData() {
+    m_strErrorDetail.Empty();
+    if (!m_bOpen) return 0;
+    char reply[sizeof m_szReply] = {};
+    const int waits = m_pSocket->Receive(reply, sizeof reply, 1) > 0;  // a lost connection shows at the final dot
+    if (waits) std::memcpy(m_szReply, reply, sizeof reply);
+    if (m_szReply[0] == '3' && !waits) return 1;
+    m_strErrorDetail = ReplyText();
+    return 0;
+}
+
 int CSmtp::SendBytes(const char* text, int moreFollows) {
     const std::string_view bytes(text == nullptr ? "" : text);
     for (std::size_t at = 0; at < bytes.size();) {

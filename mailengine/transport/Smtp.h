@@ -24,6 +24,7 @@ public:
     // The steps of a session, in their order: the numbers under which a CSocketWait is asked for a time limit.
     enum Step { kConnect, kGreeting, kHello, kSender, kRecipient, kDataStart, kDataBlock, kDataEnd, kQuit, kSteps };
 
+    // No session stands yet; connects to nobody.
     CSmtp();
     CSmtp(const CSmtp&) = delete;
     CSmtp& operator=(const CSmtp&) = delete;
@@ -50,6 +51,12 @@ public:
     // Ends the mail's data with CRLF, dot, CRLF, and takes the server's verdict on the mail. Text that ends in CRLF
     // thus gets one empty line more.
     [[nodiscard]] int End();
+    // Ends the mail and the session for a caller who must know what became of the mail. 1: the server took it, its
+    // verdict beginning with 2. 0: it did not, or nobody knows. Where the dialogue is out of step, because a reply came
+    // in pieces, the verdict would be taken from another command's reply: so the data are ended only if DATA was
+    // answered by a 3 (RFC 5321 4.3.2) and nothing has come since; else Abort gives the mail up before it is whole, and
+    // the text is what the server said. Without a verdict Abort ends the session as well, else Close does.
+    [[nodiscard]] int Finish();
     // Drops the connection without End and QUIT. Data that were not ended are thrown away by the server (RFC 5321
     // 4.1.1.4). The text of the failure before stays, but that a refusal which the server sent before it broke the
     // connection off (421 and 552 come so) takes its place. Without a connection it does nothing.
@@ -74,6 +81,7 @@ protected:
 
 private:
     CString ReplyText() const;
+    int AwaitsData();
     int SendBytes(const char* text, int moreFollows);
     int CheckEnvelope(const char* sender, const CStringArray& recipients);
     void SetStep(Step step);

@@ -36,24 +36,22 @@ int CSmtpStream::HandOver() {
     return result;
 }
 
-int CSmtpStream::EndMail() {
-    const int taken = m_smtp.End();
-    (void)m_smtp.Close();  // the mail is taken or refused by now; a lost QUIT changes nothing for the user
-    m_bOpen = 0;
-    return taken;
-}
-
 void CSmtpStream::Close() {
     if (!m_bOpen) return;
     (void)HandOver();  // the mail goes out as far as it got; Finish is there for those who want it whole
-    (void)EndMail();
+    (void)m_smtp.End();
+    (void)m_smtp.Close();
+    m_bOpen = 0;
 }
 
 int CSmtpStream::Finish() {
     if (!m_bOpen) return 0;
-    if (HandOver()) return EndMail();
-    Abort();
-    return 0;
+    if (!HandOver()) {
+        Abort();
+        return 0;
+    }
+    m_bOpen = 0;
+    return m_smtp.Finish();
 }
 
 void CSmtpStream::Abort() {

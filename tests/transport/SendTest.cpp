@@ -89,6 +89,12 @@ TEST_F(Send, ChecksTheDocumentBeforeItConnects) {
                              Bytes(m_folder.Path("gone")) + "\r\n\r\n";
     EXPECT_EQ(Run(peer.port, kSendWhole), "0 " + gone);
     EXPECT_EQ(Run(-1, kSendWhole), "0 SendPort is invalid.");
+    for (const char* server : {"127.0.0.1\0x", "127.0.0.1\r\n", "\n127.0.0.1"}) {
+        m_doc.SetSendServer(CString(std::string_view(server, 11)), peer.port);
+        CString error;
+        EXPECT_FALSE(CMailSendRecv::Send(m_doc, m_progress, error));
+        EXPECT_EQ(Bytes(error), texts::kAddressUnusable);
+    }
     m_doc.SetFromAddress(CAddress());
     EXPECT_EQ(Run(peer.port, kSendAsWritten), "0 Sender is empty.");
     m_doc.SetSendServer("", -1);
@@ -119,6 +125,10 @@ TEST_F(Send, TellsWhatBecameOfTheMail) {
         {kReady + std::string("<close>"), "0 ", taken, 0},
         {kReady + std::string("<reset>"), "0 " + SocketText("Recv", ECONNRESET), taken, 0},
         {kReady + std::string("250|500"), taken, taken, 0},
+        // A reply in two pieces has put the dialogue out of step: another one would pass for the verdict.
+        {"220-a|220 b|250 pc|250 s|250 to|354 go\r\n552 full|221", "0 250 to", taken, 0},
+        {"220|250|250|250|354" + std::string(509, '-') + "552 full|250|221", "0 552 full", taken, 0},
+        {kReady + std::string("354 go|221"), "0 354 go", taken, 0},
         {kReady + std::string("<cut>"), "0 " + SocketText("Send", ECONNRESET), writing, 0},
         {kReady + std::string("<cut>421 going down\r\n"), "0 421 going down\r\n", writing, 0},
     };
@@ -146,6 +156,11 @@ TEST_F(Send, LetsNobodyGetHalfAMailUnlessAsked) {
         EXPECT_EQ(received.find(kDot) != std::string::npos, !whole);
         EXPECT_EQ(received.ends_with("QUIT\r\n"), !whole);
     }
+    // A cancel from before the call counts, and explains itself.
+    m_doc.SetSendServer("", 25);
+    CString error = "as given";
+    EXPECT_FALSE(CMailSendRecv::SendWhole(m_doc, m_progress, error));
+    EXPECT_EQ(Bytes(error), "as given");
 }
 
 TEST_F(Send, EndsAWaitAtItsLimitAndWhenTheUserCancels) {
@@ -168,6 +183,24 @@ TEST_F(Send, EndsAWaitAtItsLimitAndWhenTheUserCancels) {
         EXPECT_TRUE(m_progress.UserCanceled()) << step;
         EXPECT_EQ(silent.Received().find(kDot) != std::string::npos, step == CSmtp::kDataEnd) << step;
         if (step <= CSmtp::kDataStart) script += turns[step];
+    }
+}
+
+TEST_F(Send, LetsNobodyCancelBehindTheVerdict) {
+    for (const std::string verdict : {"250 ok", "552 full"}) {
+        ScriptedPeer peer(kReady + verdict + "|<silent>");
+        struct : ScriptedWindowSystem {
+            int MessageWaits() override {
+                if (quitting->exchange(false)) PostCommand(IDCANCEL);
+                return ScriptedWindowSystem::MessageWaits();
+            }
+            std::atomic<bool>* quitting = nullptr;
+        } pressing;
+        pressing.quitting = &peer.isSilent;
+        SendLimits limits = kSendLimits;
+        limits[CSmtp::kQuit] = 4 * CSocketWait::kAskMilliseconds;
+        EXPECT_EQ(Run(peer.port, SendPolicy{1, limits}), verdict == "250 ok" ? "1 as given" : "0 552 full");
+        EXPECT_FALSE(m_progress.UserCanceled() || peer.isSilent);
     }
 }
 
