@@ -7,6 +7,7 @@
 
 class CSocketClient {
 public:
+    // Not connected yet; takes no handle of the system.
     CSocketClient() = default;
     CSocketClient(const CSocketClient&) = delete;
     CSocketClient& operator=(const CSocketClient&) = delete;

@@ -17,6 +17,7 @@ public:
 
     // Opens the target; the mail's first byte is at a line top.
     [[nodiscard]] int Open() override;
+    // Closes the target, with whatever that means there; adds nothing to the text, also behind a line that has no end.
     void Close() override { m_target.Close(); }
     // Takes the bytes of text up to its NUL. 0: at least one of the target's writes failed; the rest was written all
     // the same, as the target would do with text of its own.

@@ -66,7 +66,7 @@ int CAsyncSocket::Create(unsigned int port, int type, long events, const char* a
         errno = EINVAL;
         return 0;
     }
-    return OpenHandle(AF_INET);
+    return OpenHandle(AF_INET) || (errno == EAFNOSUPPORT && OpenHandle(AF_INET6));
 }
 
 int CAsyncSocket::OpenHandle(int family) {

@@ -78,6 +78,7 @@ public:
     // Flag of Receive: takes what has come, and fails rather than wait.
     static constexpr int kDontWait = 0x40;
 
+    // Frees the handle, which ends the connection as Close does.
     ~CSocket() override;
 
     // Sends all length bytes of data, which may not be negative. The result is length, or -1 on failure: then nobody
