@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <tests/FixedSystem.h>
@@ -91,6 +92,8 @@ TEST_F(EMailWriter, WritesAPlainLetter) {
     FillPlainLetter();
     EXPECT_EQ(Write(), 1);
     ExpectGolden("written/plain-letter.eml", m_stream.Text());
+    // A field is one call, so that a stream never holds half of one.
+    EXPECT_THAT(m_stream.calls, testing::Contains("Subject: " + std::string(500, 's') + "\r\n"));
 }
 
 TEST_F(EMailWriter, WritesAJapaneseLetter) {

@@ -91,7 +91,7 @@ int FindOne(const std::string& path, std::string_view name, platform::WIN32_FIND
 
 // The folder that a path down to its last slash names, unless that is a link; null if it cannot be opened.
 DIR* OpenFolder(std::string path) {
-    if (path.empty()) path = ".";
+    if (path.empty()) path.push_back('.');
     if (path.size() > 1 && path.back() == '/') path.pop_back();  // behind a last slash a link would be followed
     const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (descriptor < 0) return nullptr;
