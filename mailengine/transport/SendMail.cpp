@@ -68,8 +68,8 @@ void TakeRecipients(const CMailDoc& doc, CStringArray& recipients) {
     if (doc.GetSenderBccFlg()) AddRecipient(&from, recipients);
 }
 
-bool IsFitToSend(const CString& server) {
-    return server.View().find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+bool IsFitToSend(const CString& name) {
+    return name.View().find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
 }
 
 int TakeEnvelope(const CMailDoc& doc, Envelope& envelope, CString& error) {
@@ -84,7 +84,7 @@ int TakeEnvelope(const CMailDoc& doc, Envelope& envelope, CString& error) {
         problem = "SendPort is invalid.";
     else if (envelope.sender.IsEmpty())
         problem = "Sender is empty.";
-    else if (!IsFitToSend(envelope.server))  // behind a NUL it would be cut, and another server asked
+    else if (!IsFitToSend(envelope.server) || !IsFitToSend(envelope.sender))  // a NUL would cut it to another name
         problem = texts::kAddressUnusable;
     if (problem != nullptr) {
         error = problem;

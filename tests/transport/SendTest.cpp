@@ -95,6 +95,10 @@ TEST_F(Send, ChecksTheDocumentBeforeItConnects) {
         EXPECT_FALSE(CMailSendRecv::Send(m_doc, m_progress, error));
         EXPECT_EQ(Bytes(error), texts::kAddressUnusable);
     }
+    CAddress cut;
+    cut.FromText(CString("s@x\0y", 5));
+    m_doc.SetFromAddress(cut);
+    EXPECT_EQ(Run(peer.port, kSendAsWritten), std::string("0 ") + texts::kAddressUnusable);
     m_doc.SetFromAddress(CAddress());
     EXPECT_EQ(Run(peer.port, kSendAsWritten), "0 Sender is empty.");
     m_doc.SetSendServer("", -1);
