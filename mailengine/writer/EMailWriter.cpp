@@ -143,7 +143,9 @@ int CEMailWriter::WriteFieldValue(const char* name, const char* value) {
 
 // QUIRK: a plain value is not folded, however long (RFC 5322 2.1.1 limits a line to 998 characters).
 int CEMailWriter::WriteFieldValue(const char* name, const char* value, const CStringArray& params) {
-    CString field = CString(name) + ": " + value;
+    CString field(name);
+    field += ": ";
+    field += value;
     for (int i = 0; i < params.GetSize(); ++i) {
         field += ";\r\n\t";
         field += static_cast<const char*>(params.GetAt(i));
