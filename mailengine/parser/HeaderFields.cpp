@@ -89,6 +89,7 @@ int HeaderEnd(std::string_view text, const Range& range) {
 
 std::vector<CMailDoc::FileInfo> PairFiles(const CStringArray& paths, const CStringArray& names) {
     std::vector<CMailDoc::FileInfo> files;
+    files.reserve(static_cast<std::size_t>(names.GetSize()));
     for (int i = 0; i < names.GetSize(); ++i)
         files.push_back({paths.GetAt(i), names.GetAt(i)});
     return files;

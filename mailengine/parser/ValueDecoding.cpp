@@ -273,7 +273,9 @@ CString CEMailPerser::DecodeFieldValue(const CString& value) {
 
 int CEMailPerser::Decode(const CString& text, const CString& encoding, const CString& charset, unsigned char* buffer,
                          unsigned int size, unsigned int& outputSize) {
-    if (buffer != nullptr) std::fill_n(buffer, size, static_cast<unsigned char>(0));
+    outputSize = 0;
+    if (buffer == nullptr) return 0;
+    std::fill_n(buffer, size, static_cast<unsigned char>(0));
     const parser::Decoder decode = parser::DecoderOf(parser::EncodingOf(encoding.View()));
     if (!decode(text, buffer, size, outputSize)) return 0;
     if (parser::IsJapaneseCharset(charset.View())) {

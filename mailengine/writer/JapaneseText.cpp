@@ -38,7 +38,7 @@ unsigned int Size(const CString& text) {
 }  // namespace
 
 CString CEMailWriter::EncodeFieldValue(const CString& value, int prefixLength) {
-    const CString text(static_cast<const char*>(value));  // a value that holds a NUL ends at it
+    CString text(static_cast<const char*>(value));  // a value that holds a NUL ends at it
     if (CLanguage::IsJapanese(text) == 0) return text;
     CString result;
     unsigned int limit = PieceLimit(kLineLimit, prefixLength);
