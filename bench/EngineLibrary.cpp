@@ -4,7 +4,7 @@
 
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/support/ProgressCallback.h>
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 #include <mailengine/writer/EMailWriter.h>
 #include <mailengine/writer/FileOutStream.h>
 

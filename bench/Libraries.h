@@ -5,7 +5,7 @@
 #include <bench/Letter.h>
 #include <string>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace bench {
 

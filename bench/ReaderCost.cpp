@@ -15,7 +15,7 @@
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/parser/EMailPerser.h>
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 namespace {
 

@@ -11,7 +11,7 @@
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/support/ProgressCallback.h>
-#include <mailengine/support/platform/Socket.h>
+#include <mailengine/support/platform/net/Socket.h>
 #include <mailengine/transport/MailSendRecv.h>
 #include <mailengine/transport/SmtpStream.h>
 #include <mailengine/transport/TransparencyStream.h>

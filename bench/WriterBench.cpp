@@ -15,8 +15,8 @@
 #include <vector>
 
 #include <mailengine/support/ProgressCallback.h>
-#include <mailengine/support/platform/File.h>
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/File.h>
+#include <mailengine/support/platform/files/Path.h>
 #include <mailengine/writer/EMailWriter.h>
 #include <mailengine/writer/FileOutStream.h>
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 // A broken promise is a finding as much as a sanitizer's report: abort makes libFuzzer keep the input.
 inline void Require(bool holds, const char* promise) {

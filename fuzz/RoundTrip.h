@@ -14,7 +14,7 @@
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/support/FileUtility.h>
 #include <mailengine/support/ProgressCallback.h>
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 #include <mailengine/writer/EMailWriter.h>
 
 // Half-width kana have no place on the wire: they come back full-width.

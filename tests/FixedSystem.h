@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include <mailengine/support/platform/System.h>
+#include <mailengine/support/platform/system/System.h>
 
 class CFixedSystem : public CSystem {
 public:

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 class CTempFolder {
 public:

@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 #include "Border.h"
 #include "Failure.h"

@@ -5,7 +5,7 @@
 #include <iconv.h>
 #include <memory>
 
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 #include "Failure.h"
 #include "Utf8.h"

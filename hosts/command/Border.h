@@ -17,7 +17,7 @@
 #include <string>
 #include <string_view>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace border {
 

@@ -2,7 +2,7 @@
 
 #include <climits>
 
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/text/StringArray.h>
 
 #include "MailText.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 #include "Border.h"
 

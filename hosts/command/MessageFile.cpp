@@ -6,7 +6,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 #include "Failure.h"
 #include "InputFile.h"

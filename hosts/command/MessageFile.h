@@ -4,7 +4,7 @@
 #include <csignal>
 #include <string>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 // The message at path ("-" is standard input), with CRLF line ends. A message whose first line ends in a bare LF, as
 // mail stores on this system keep it, gets CRLF at every line end; any other comes byte for byte. Throws CFailure, for

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 // The UTF-8 of a text inside, each run of line ends as a blank, none at the end.
 std::string OneLine(const CString& inside);

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <mailengine/parser/EMailPerser.h>
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 #include "Diagnosis.h"
 #include "MailText.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include <mailengine/model/MailDoc.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/text/StringArray.h>
 
 struct OpenedMail {
     struct File {

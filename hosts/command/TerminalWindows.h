@@ -13,7 +13,7 @@
 #include <list>
 #include <string>
 
-#include <mailengine/support/platform/WindowSystem.h>
+#include <mailengine/support/platform/windows/WindowSystem.h>
 
 class CTerminalWindows : public CWindowSystem {
 public:

@@ -1,8 +1,8 @@
 // CBase64: the Base64 transfer encoding (RFC 2045 6.8). Stateless; any thread, any number of calls at once.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
 
 class MAILENGINE_API CBase64 {
 public:

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string_view>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace hexescapes {
 

@@ -10,8 +10,8 @@
 #include <cstring>
 #include <string_view>
 
-#include <mailengine/support/platform/Characters.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/Characters.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace jis {
 

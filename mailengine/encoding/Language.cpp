@@ -4,7 +4,7 @@
 #include <mailengine/encoding/JisCodes.h>
 #include <mailengine/encoding/Kana.h>
 #include <mailengine/encoding/Language.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 const short* const CLanguage::kanaTable = kana::kPlain.data();
 const short* const CLanguage::dakutenKanaTable1 = kana::kVoiced.data();

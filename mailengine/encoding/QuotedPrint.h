@@ -2,8 +2,8 @@
 // words (RFC 2047 4.2). Stateless; any thread, any number of calls at once.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
 
 class MAILENGINE_API CQuotedPrint {
 public:

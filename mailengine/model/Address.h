@@ -2,9 +2,9 @@
 // operations may run on many. All text is code page 932.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
-#include <mailengine/support/platform/Types.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/base/Types.h>
+#include <mailengine/support/platform/text/String.h>
 
 class MAILENGINE_API CAddress {
 public:

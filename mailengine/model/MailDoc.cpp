@@ -2,7 +2,7 @@
 #include <new>
 
 #include <mailengine/model/MailDoc.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 namespace {
 

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include <mailengine/model/Address.h>
-#include <mailengine/support/platform/Document.h>
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/PtrArray.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/base/Document.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/base/PtrArray.h>
+#include <mailengine/support/platform/text/String.h>
 
 class CFileDialog;
 class CWnd;

@@ -6,7 +6,7 @@
 #include <mailengine/encoding/Base64.h>
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/support/FileUtility.h>
-#include <mailengine/support/platform/FileSystem.h>
+#include <mailengine/support/platform/files/FileSystem.h>
 
 int CMailDoc::SetTempPath(const char* path) {
     const int made = platform::CreateDirectoryA(path, nullptr);

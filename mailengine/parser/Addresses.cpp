@@ -1,7 +1,7 @@
 #include <mailengine/parser/Addresses.h>
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/parser/Scanning.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/text/StringArray.h>
 
 namespace parser {
 

@@ -4,7 +4,7 @@
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/parser/Scanning.h>
 #include <mailengine/parser/Values.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include <mailengine/support/Wire.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace parser {
 

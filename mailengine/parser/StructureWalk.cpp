@@ -2,7 +2,7 @@
 
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/parser/Walk.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
 namespace {

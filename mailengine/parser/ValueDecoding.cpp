@@ -12,7 +12,7 @@
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/parser/Values.h>
 #include <mailengine/support/Wire.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include <mailengine/parser/Scanning.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace parser {
 

@@ -11,9 +11,9 @@
 
 #include <mailengine/parser/Scanning.h>
 #include <mailengine/parser/Values.h>
-#include <mailengine/support/platform/File.h>
-#include <mailengine/support/platform/String.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/files/File.h>
+#include <mailengine/support/platform/text/String.h>
+#include <mailengine/support/platform/text/StringArray.h>
 
 namespace parser {
 

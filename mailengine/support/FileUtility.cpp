@@ -4,9 +4,9 @@
 
 #include <mailengine/support/FileUtility.h>
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/Characters.h>
-#include <mailengine/support/platform/File.h>
-#include <mailengine/support/platform/FileSystem.h>
+#include <mailengine/support/platform/files/File.h>
+#include <mailengine/support/platform/files/FileSystem.h>
+#include <mailengine/support/platform/text/Characters.h>
 
 namespace {
 

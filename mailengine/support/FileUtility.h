@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
 
 class MAILENGINE_API CFileUtility {
 public:

@@ -6,8 +6,8 @@
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/ProgressDialog.h>
 #include <mailengine/support/Resources.h>
-#include <mailengine/support/platform/System.h>
-#include <mailengine/support/platform/WinApp.h>
+#include <mailengine/support/platform/system/System.h>
+#include <mailengine/support/platform/windows/WinApp.h>
 
 namespace {
 

@@ -7,8 +7,8 @@
 // dialog that it closes or replaces is left alone by the calls that were under way.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
 
 class CProgressDialog;
 class CWnd;

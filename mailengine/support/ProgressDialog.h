@@ -2,10 +2,10 @@
 // button. Its parent is disabled while it stands, which keeps the user from starting a second operation.
 #pragma once
 
-#include <mailengine/support/platform/Button.h>
-#include <mailengine/support/platform/Dialog.h>
-#include <mailengine/support/platform/ProgressCtrl.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
+#include <mailengine/support/platform/windows/Button.h>
+#include <mailengine/support/platform/windows/Dialog.h>
+#include <mailengine/support/platform/windows/ProgressCtrl.h>
 
 class CProgressDialog : public CDialog {
 public:

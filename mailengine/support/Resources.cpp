@@ -1,6 +1,6 @@
 #include <mailengine/support/Resources.h>
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/WindowTypes.h>
+#include <mailengine/support/platform/windows/WindowTypes.h>
 
 namespace {
 

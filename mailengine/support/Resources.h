@@ -2,7 +2,7 @@
 // layer while the library is loaded.
 #pragma once
 
-#include <mailengine/support/platform/ResourceRegistry.h>
+#include <mailengine/support/platform/windows/ResourceRegistry.h>
 
 namespace resources {
 

@@ -12,7 +12,7 @@
 // opened on the server stays up, for the caller to close.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
+#include <mailengine/support/platform/base/Export.h>
 
 class CMailDoc;
 class CProgressCallback;

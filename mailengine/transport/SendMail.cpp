@@ -5,8 +5,8 @@
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/Socket.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/net/Socket.h>
+#include <mailengine/support/platform/text/StringArray.h>
 #include <mailengine/transport/SendMail.h>
 #include <mailengine/transport/SmtpStream.h>
 #include <mailengine/transport/TransparencyStream.h>

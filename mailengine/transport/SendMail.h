@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 #include <mailengine/transport/Smtp.h>
 
 class CMailDoc;

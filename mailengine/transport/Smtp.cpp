@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/System.h>
+#include <mailengine/support/platform/system/System.h>
 #include <mailengine/transport/Smtp.h>
 #include <mailengine/transport/SocketClient.h>
 

@@ -7,9 +7,9 @@
 // or the server's own words, stays until the next operation begins.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
+#include <mailengine/support/platform/text/StringArray.h>
 
 class CSocketClient;
 class CSocketWait;

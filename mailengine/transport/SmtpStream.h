@@ -3,9 +3,9 @@
 // a bare CR or LF go out as they come. One stream, one thread; handlers that run while it waits must not call into it.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
+#include <mailengine/support/platform/text/StringArray.h>
 #include <mailengine/transport/Smtp.h>
 #include <mailengine/writer/OutputStream.h>
 

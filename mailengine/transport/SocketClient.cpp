@@ -1,5 +1,5 @@
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/System.h>
+#include <mailengine/support/platform/system/System.h>
 #include <mailengine/transport/SocketClient.h>
 
 CSocketClient::~CSocketClient() {

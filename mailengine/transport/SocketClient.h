@@ -2,8 +2,8 @@
 // one connection, of one session, and one thread; handlers that run while it waits must not touch it.
 #pragma once
 
-#include <mailengine/support/platform/Socket.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/net/Socket.h>
+#include <mailengine/support/platform/text/String.h>
 
 class CSocketClient {
 public:

@@ -5,7 +5,7 @@
 // makes no difference, not even between a CR and its LF, and nothing is held back from one call to the next.
 #pragma once
 
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/String.h>
 #include <mailengine/writer/OutputStream.h>
 
 class CTransparencyStream : public COutputStream {

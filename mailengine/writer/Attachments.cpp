@@ -2,10 +2,10 @@
 #include <mailengine/support/FileUtility.h>
 #include <mailengine/support/Texts.h>
 #include <mailengine/support/Wire.h>
-#include <mailengine/support/platform/Characters.h>
-#include <mailengine/support/platform/Exception.h>
-#include <mailengine/support/platform/File.h>
-#include <mailengine/support/platform/System.h>
+#include <mailengine/support/platform/base/Exception.h>
+#include <mailengine/support/platform/files/File.h>
+#include <mailengine/support/platform/system/System.h>
+#include <mailengine/support/platform/text/Characters.h>
 #include <mailengine/writer/EMailWriter.h>
 
 // What sets an attached file and an attached mail apart.

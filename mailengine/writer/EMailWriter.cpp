@@ -3,7 +3,7 @@
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
 #include <mailengine/support/Wire.h>
-#include <mailengine/support/platform/System.h>
+#include <mailengine/support/platform/system/System.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace {

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include <mailengine/model/MailDoc.h>
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/String.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/text/String.h>
+#include <mailengine/support/platform/text/StringArray.h>
 #include <mailengine/writer/OutputStream.h>
 
 class CFile;

@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include <mailengine/support/platform/Exception.h>
+#include <mailengine/support/platform/base/Exception.h>
 #include <mailengine/writer/FileOutStream.h>
 
 CFileOutStream::CFileOutStream(const char* path) : m_strPath(path) {}

@@ -1,9 +1,9 @@
 // CFileOutStream: the stream that writes a mail to a file. No exception leaves it. One stream, one thread.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
-#include <mailengine/support/platform/File.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/base/Export.h>
+#include <mailengine/support/platform/files/File.h>
+#include <mailengine/support/platform/text/String.h>
 #include <mailengine/writer/OutputStream.h>
 
 class MAILENGINE_API CFileOutStream : public COutputStream {

@@ -7,7 +7,7 @@
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
 #include <mailengine/support/Wire.h>
-#include <mailengine/support/platform/Characters.h>
+#include <mailengine/support/platform/text/Characters.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace {

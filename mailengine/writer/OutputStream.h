@@ -2,7 +2,7 @@
 // stream opens and closes it. One stream, one thread. Text is code page 932 bytes.
 #pragma once
 
-#include <mailengine/support/platform/Export.h>
+#include <mailengine/support/platform/base/Export.h>
 
 class MAILENGINE_API COutputStream {
 public:

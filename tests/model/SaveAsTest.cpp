@@ -11,8 +11,8 @@
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/FileDialog.h>
-#include <mailengine/support/platform/Wnd.h>
+#include <mailengine/support/platform/windows/FileDialog.h>
+#include <mailengine/support/platform/windows/Wnd.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace {

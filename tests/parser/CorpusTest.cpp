@@ -10,7 +10,7 @@
 #include <vector>
 
 #include <mailengine/parser/EMailPerser.h>
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 namespace {
 

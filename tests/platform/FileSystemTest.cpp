@@ -7,10 +7,10 @@
 #include <tests/FileBytes.h>
 #include <tests/TempFolder.h>
 
-#include <mailengine/support/platform/File.h>
-#include <mailengine/support/platform/FileSystem.h>
-#include <mailengine/support/platform/Path.h>
-#include <mailengine/support/platform/System.h>
+#include <mailengine/support/platform/files/File.h>
+#include <mailengine/support/platform/files/FileSystem.h>
+#include <mailengine/support/platform/files/Path.h>
+#include <mailengine/support/platform/system/System.h>
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <tests/TempFolder.h>
 #include <unistd.h>
 
-#include <mailengine/support/platform/File.h>
+#include <mailengine/support/platform/files/File.h>
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <tuple>
 
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 namespace {
 

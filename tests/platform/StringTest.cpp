@@ -3,8 +3,8 @@
 #include <string>
 #include <tuple>
 
-#include <mailengine/support/platform/Characters.h>
-#include <mailengine/support/platform/String.h>
+#include <mailengine/support/platform/text/Characters.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace {
 

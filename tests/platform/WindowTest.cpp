@@ -1,5 +1,5 @@
-#include <mailengine/support/platform/Dialog.h>
-#include <mailengine/support/platform/FileDialog.h>
+#include <mailengine/support/platform/windows/Dialog.h>
+#include <mailengine/support/platform/windows/FileDialog.h>
 
 #include "tests/support/ScriptedWindowSystem.h"
 

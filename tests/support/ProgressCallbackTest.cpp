@@ -3,7 +3,7 @@
 #include <tuple>
 
 #include <mailengine/support/ProgressCallback.h>
-#include <mailengine/support/platform/Wnd.h>
+#include <mailengine/support/platform/windows/Wnd.h>
 
 #include "tests/support/ScriptedWindowSystem.h"
 

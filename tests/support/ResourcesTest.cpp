@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/ResourceRegistry.h>
+#include <mailengine/support/platform/windows/ResourceRegistry.h>
 
 namespace {
 

@@ -14,8 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include <mailengine/support/platform/System.h>
-#include <mailengine/support/platform/WindowSystem.h>
+#include <mailengine/support/platform/system/System.h>
+#include <mailengine/support/platform/windows/WindowSystem.h>
 
 class ScriptedWindowSystem : public CWindowSystem {
 public:

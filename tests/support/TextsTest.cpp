@@ -3,7 +3,7 @@
 #include <string>
 #include <tests/FileBytes.h>
 
-#include <mailengine/support/platform/Path.h>
+#include <mailengine/support/platform/files/Path.h>
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/Socket.h>
-#include <mailengine/support/platform/StringArray.h>
+#include <mailengine/support/platform/net/Socket.h>
+#include <mailengine/support/platform/text/StringArray.h>
 
 inline std::string Bytes(const CString& text) {
     return std::string(text.View());

@@ -13,7 +13,7 @@
 
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
-#include <mailengine/support/platform/File.h>
+#include <mailengine/support/platform/files/File.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace {
