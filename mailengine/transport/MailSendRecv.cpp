@@ -1,12 +1,28 @@
+#include <mailengine/support/ProgressCallback.h>
+#include <mailengine/transport/Envelope.h>
 #include <mailengine/transport/MailSendRecv.h>
-#include <mailengine/transport/SendMail.h>
+#include <mailengine/transport/SendWhole.h>
+#include <mailengine/transport/SmtpStream.h>
+#include <mailengine/transport/TransparencyStream.h>
+#include <mailengine/writer/EMailWriter.h>
 
 int CMailSendRecv::SendWhole(const CMailDoc& doc, CProgressCallback& progress, CString& error) {
-    return SendMail(doc, progress, error, kSendWhole);
+    return ::SendWhole(doc, progress, error, kSendLimits);
 }
 
 int CMailSendRecv::Send(const CMailDoc& doc, CProgressCallback& progress, CString& error) {
-    return SendMail(doc, progress, error, kSendAsWritten);
+    Envelope envelope;
+    if (!TakeEnvelope(doc, envelope, error)) return 0;
+    CSmtpStream stream(envelope.server, envelope.port, envelope.sender, envelope.recipients);
+    CTransparencyStream lines(stream);
+    if (!lines.Open()) {
+        stream.GetErrorDetail(error);
+        return 0;
+    }
+    const int written = CEMailWriter(&lines, doc, progress).Write(error);
+    progress.Complete();
+    lines.Close();
+    return written;
 }
 
 int CMailSendRecv::IsSending() {

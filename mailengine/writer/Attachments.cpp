@@ -6,6 +6,7 @@
 #include <mailengine/support/platform/files/File.h>
 #include <mailengine/support/platform/system/System.h>
 #include <mailengine/support/platform/text/Characters.h>
+#include <mailengine/writer/AttachmentCheck.h>
 #include <mailengine/writer/EMailWriter.h>
 
 // What sets an attached file and an attached mail apart.
@@ -42,13 +43,17 @@ int OpenAttachment(const CString& path, CFile& file) {
 
 }  // namespace
 
-int CEMailWriter::CheckFiles(const std::vector<FileInfo>& files, CString& error) {
+int CheckAttachments(const std::vector<CMailDoc::FileInfo>& files, CString& error) {
     CString missing;
-    for (const FileInfo& file : files)
+    for (const CMailDoc::FileInfo& file : files)
         if (CFile attachment; OpenAttachment(file.Path, attachment) == 0) missing += file.Path + wire::kCrLf;
     if (missing.IsEmpty()) return 1;
     error = CString(texts::kAttachmentOpenFailed) + texts::kAttachmentsMissing + missing;
     return 0;
+}
+
+int CEMailWriter::CheckFiles(const std::vector<FileInfo>& files, CString& error) {
+    return CheckAttachments(files, error);
 }
 
 // QUIRK: two messages of one process and second share the boundary, and no part is searched for it (RFC 2046 5.1.1

@@ -8,7 +8,7 @@
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/transport/MailSendRecv.h>
-#include <mailengine/transport/SendMail.h>
+#include <mailengine/transport/SendWhole.h>
 #include <mailengine/transport/SmtpStream.h>
 #include <mailengine/writer/EMailWriter.h>
 
@@ -17,6 +17,8 @@
 
 namespace {
 
+constexpr const SendLimits* kWhole = &kSendLimits;
+constexpr const SendLimits* kAsWritten = nullptr;  // in place of limits: the plain Send
 constexpr char kDot[] = "\r\n.\r\n";
 constexpr char kReady[] = "220|250|250|250|354|";  // ... up to the data of a mail to one recipient
 
@@ -33,13 +35,13 @@ protected:
         m_doc.SetFiles(m_files);
     }
     // Sends with a dialog up. The result and the error, one text.
-    std::string Run(int port, const SendPolicy& policy) {
+    std::string Run(int port, const SendLimits* limits) {
         m_doc.SetSendServer("127.0.0.1", port);
         m_progress.Start(1000);
         CString error = "as given";
-        const int result = &policy == &kSendWhole       ? CMailSendRecv::SendWhole(m_doc, m_progress, error)
-                           : &policy == &kSendAsWritten ? CMailSendRecv::Send(m_doc, m_progress, error)
-                                                        : SendMail(m_doc, m_progress, error, policy);
+        const int result = limits == &kSendLimits ? CMailSendRecv::SendWhole(m_doc, m_progress, error)
+                           : limits == kAsWritten ? CMailSendRecv::Send(m_doc, m_progress, error)
+                                                  : SendWhole(m_doc, m_progress, error, *limits);
         return std::to_string(result) + " " + Bytes(error);
     }
     std::string Message() {
@@ -68,9 +70,9 @@ TEST_F(Send, GivesTheServerTheMessageLineForLine) {
     m_doc.SetSenderBccFlg(1);
     Attach("mail.eml", mixes + "\n.");
     Attach("file.bin", std::string(5000, '\xFF'));
-    for (const SendPolicy* policy : {&kSendWhole, &kSendAsWritten}) {
+    for (const SendLimits* limits : {kWhole, kAsWritten}) {
         ScriptedPeer peer("220|250|250|250|250|250|250|354|250|221");
-        EXPECT_EQ(Run(peer.port, *policy), "1 as given");
+        EXPECT_EQ(Run(peer.port, limits), "1 as given");
         EXPECT_EQ(
             Shown(peer.Received()),
             Shown("HELO pc.example.test\r\nMAIL FROM:<s@x>\r\nRCPT TO:<to@x>\r\nRCPT TO:<cc@x>\r\nRCPT TO:<to@x>\r\n"
@@ -87,8 +89,8 @@ TEST_F(Send, ChecksTheDocumentBeforeItConnects) {
     m_doc.SetFiles(m_files);
     const std::string gone = texts::kAttachmentOpenFailed + std::string(texts::kAttachmentsMissing) +
                              Bytes(m_folder.Path("gone")) + "\r\n\r\n";
-    EXPECT_EQ(Run(peer.port, kSendWhole), "0 " + gone);
-    EXPECT_EQ(Run(-1, kSendWhole), "0 SendPort is invalid.");
+    EXPECT_EQ(Run(peer.port, kWhole), "0 " + gone);
+    EXPECT_EQ(Run(-1, kWhole), "0 SendPort is invalid.");
     for (const char* server : {"127.0.0.1\0x", "127.0.0.1\r\n", "\n127.0.0.1"}) {
         m_doc.SetSendServer(CString(std::string_view(server, 11)), peer.port);
         CString error;
@@ -98,9 +100,9 @@ TEST_F(Send, ChecksTheDocumentBeforeItConnects) {
     CAddress cut;
     cut.FromText(CString("s@x\0y", 5));
     m_doc.SetFromAddress(cut);
-    EXPECT_EQ(Run(peer.port, kSendAsWritten), std::string("0 ") + texts::kAddressUnusable);
+    EXPECT_EQ(Run(peer.port, kAsWritten), std::string("0 ") + texts::kAddressUnusable);
     m_doc.SetFromAddress(CAddress());
-    EXPECT_EQ(Run(peer.port, kSendAsWritten), "0 Sender is empty.");
+    EXPECT_EQ(Run(peer.port, kAsWritten), "0 Sender is empty.");
     m_doc.SetSendServer("", -1);
     CString error;
     EXPECT_FALSE(CMailSendRecv::Send(m_doc, m_progress, error));
@@ -111,7 +113,7 @@ TEST_F(Send, ChecksTheDocumentBeforeItConnects) {
     // Send as it is told delivers an empty mail in place of the one with missing files.
     ScriptedPeer empty(kReady + std::string("250|221"));
     m_doc.SetFromAddress(CAddress("", "", "s@x"));
-    EXPECT_EQ(Run(empty.port, kSendAsWritten), "0 " + gone);
+    EXPECT_EQ(Run(empty.port, kAsWritten), "0 " + gone);
     EXPECT_TRUE(empty.Received().ends_with(std::string("DATA\r\n") + kDot + "QUIT\r\n"));
 }
 
@@ -139,9 +141,9 @@ TEST_F(Send, TellsWhatBecameOfTheMail) {
     for (const auto& row : rows) {
         m_doc.SetFiles(row.script.find("<cut>") == std::string::npos ? std::vector<CMailDoc::FileInfo>() : m_files);
         ScriptedPeer whole(row.script), asWritten(row.script);
-        EXPECT_EQ(Run(whole.port, kSendWhole), row.whole) << row.script;
+        EXPECT_EQ(Run(whole.port, kWhole), row.whole) << row.script;
         EXPECT_EQ(m_windows.DialogCount(), row.dialogs) << row.script;
-        EXPECT_EQ(Run(asWritten.port, kSendAsWritten), row.asWritten) << row.script;
+        EXPECT_EQ(Run(asWritten.port, kAsWritten), row.asWritten) << row.script;
         EXPECT_EQ(m_windows.DialogCount(), row.dialogs) << row.script;
     }
 }
@@ -153,7 +155,7 @@ TEST_F(Send, LetsNobodyGetHalfAMailUnlessAsked) {
         m_windows.whenNoted = [&, posted = false](const std::string& line) mutable {
             if (!posted && line.ends_with(".1086 100")) posted = true, m_windows.PostCommand(IDCANCEL);
         };
-        EXPECT_EQ(Run(peer.port, whole ? kSendWhole : kSendAsWritten),
+        EXPECT_EQ(Run(peer.port, whole ? kWhole : kAsWritten),
                   whole ? "0 as given" : "0 " + std::string(texts::kFileContentFailed) + Bytes(m_files[0].Path));
         EXPECT_TRUE(m_progress.UserCanceled());
         const std::string received = peer.Received();
@@ -177,12 +179,12 @@ TEST_F(Send, EndsAWaitAtItsLimitAndWhenTheUserCancels) {
         ScriptedPeer tardy(script + (data ? "<stall>" : "<silent>")), silent(script + (data ? "<stall>" : "<silent>"));
         SendLimits limits = kSendLimits;
         limits[static_cast<std::size_t>(step)] = 0;
-        EXPECT_EQ(Run(tardy.port, SendPolicy{1, limits}), "0 " + SocketText(data ? "Send" : "Recv", ETIMEDOUT)) << step;
+        EXPECT_EQ(Run(tardy.port, &limits), "0 " + SocketText(data ? "Send" : "Recv", ETIMEDOUT)) << step;
 
         m_windows.whenIdle = [&] {
             if (silent.isSilent.exchange(false)) m_windows.PostCommand(IDCANCEL);
         };
-        EXPECT_EQ(Run(silent.port, kSendWhole), "0 as given") << step;
+        EXPECT_EQ(Run(silent.port, kWhole), "0 as given") << step;
         m_windows.whenIdle = nullptr;
         EXPECT_TRUE(m_progress.UserCanceled()) << step;
         EXPECT_EQ(silent.Received().find(kDot) != std::string::npos, step == CSmtp::kDataEnd) << step;
@@ -203,7 +205,7 @@ TEST_F(Send, LetsNobodyCancelBehindTheVerdict) {
         pressing.quitting = &peer.isSilent;
         SendLimits limits = kSendLimits;
         limits[CSmtp::kQuit] = 4 * CSocketWait::kAskMilliseconds;
-        EXPECT_EQ(Run(peer.port, SendPolicy{1, limits}), verdict == "250 ok" ? "1 as given" : "0 552 full");
+        EXPECT_EQ(Run(peer.port, &limits), verdict == "250 ok" ? "1 as given" : "0 552 full");
         EXPECT_FALSE(m_progress.UserCanceled() || peer.isSilent);
     }
 }
@@ -211,7 +213,7 @@ TEST_F(Send, LetsNobodyCancelBehindTheVerdict) {
 TEST_F(Send, KeepsMessagesMovingWhileItWaits) {
     ScriptedPeer peer("<silent>|220|250|250|250|354|250|221");
     m_windows.Post([&] { m_windows.Post([&] { peer.Speak(); }); });
-    EXPECT_EQ(Run(peer.port, kSendAsWritten), "1 as given");
+    EXPECT_EQ(Run(peer.port, kAsWritten), "1 as given");
 }
 
 }  // namespace

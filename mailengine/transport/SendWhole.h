@@ -1,5 +1,5 @@
-// The one way in which a document is sent; CMailSendRecv's operations differ by a policy alone. Tests come in here with
-// limits of their own.
+// The engine's own way to send a document: the server gets the whole mail or nothing, its verdict is the result, and a
+// wait ends when the user cancels or at its limit. Tests come in here with limits of their own.
 #pragma once
 
 #include <array>
@@ -28,16 +28,5 @@ inline constexpr SendLimits kSendLimits = {
     kMinute / 2,   // QUIT: the mail is taken or refused by then, and the user waits
 };
 
-// What becomes of a mail that cannot be sent as a whole, and of a wait on the server.
-struct SendPolicy {
-    // Not 0: the server gets the whole mail or none, its verdict is the result, and a wait ends when the user cancels
-    // or at its limit. 0: it gets the mail as far as it was written, and a wait lasts as long as the server likes.
-    int whole;
-    const SendLimits& limits;
-};
-
-inline constexpr SendPolicy kSendWhole = {1, kSendLimits};
-inline constexpr SendPolicy kSendAsWritten = {0, kSendLimits};
-
-// See CMailSendRecv, whose two ways of sending this is.
-int SendMail(const CMailDoc& doc, CProgressCallback& progress, CString& error, const SendPolicy& policy);
+// See CMailSendRecv::SendWhole.
+int SendWhole(const CMailDoc& doc, CProgressCallback& progress, CString& error, const SendLimits& limits);
