@@ -1,17 +1,9 @@
 # What a host outside this tree gets: both shared libraries, the public headers, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS mailengine mailengine-platform EXPORT mailengine-targets)
-
-# A header is public when mailengine.h includes it; no other one is installed.
-set(all_headers ${PROJECT_SOURCE_DIR}/mailengine/mailengine.h)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${all_headers})
-file(STRINGS ${all_headers} includes REGEX "^#include <mailengine/")
-foreach(header mailengine/mailengine.h ${includes})
-  string(REGEX REPLACE "^#include <(.*)>.*$" "\\1" header "${header}")
-  cmake_path(GET header PARENT_PATH folder)
-  install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
-endforeach()
+install(TARGETS mailengine mailengine-platform EXPORT mailengine-targets
+        FILE_SET HEADERS
+        INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})  # for a host whose CMake knows no file sets
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/mailengine)
 install(EXPORT mailengine-targets NAMESPACE mailengine:: FILE mailengine-config.cmake DESTINATION ${package_dir})

@@ -1,6 +1,6 @@
 // mailengine.h: all that a host may use. Text is code page 932 bytes throughout, and so are paths, with backslashes;
 // every length and offset counts bytes. Everything runs on the host's user-interface thread.
-// The headers below are the public ones, and those that are installed: one that is not named here is internal.
+// The headers below are the public ones: those that the CMake file sets of both libraries name and install.
 #pragma once
 
 #include <mailengine/encoding/Base64.h>
