@@ -58,13 +58,11 @@ int CProgressCallback::Callback(unsigned int amount) {
     m_nDone = amount > UINT_MAX - m_nDone ? UINT_MAX : m_nDone + amount;
     int result = 1;
     if (m_pDialog != nullptr) {
-        const unsigned int start = m_nStarts;
         ShowPercentage(Percentage());
         result = m_pDialog->m_bContinue;
         if (result == 0) {
             Complete();
-            // A handler may have begun anew meanwhile; that operation was not cancelled.
-            if (m_nStarts == start) m_bCanceled = 1;
+            m_bCanceled = 1;  // also where a handler has begun anew meanwhile: the caller's operation was cancelled
         }
     }
     DoEvents();

@@ -26,12 +26,13 @@ public:
     // Begins an operation of total units (the library counts bytes); 0 stands for 100. Opens the dialog in place of
     // one that stands, and forgets an earlier cancel. 0: there is no dialog on the screen; all else still works.
     int Start(unsigned int total);
-    // Adds amount to what is done and moves the bar. 1: go on. 0: the user has cancelled, and the dialog is closed;
-    // told once, later calls give 1. A press is noticed by the call behind the one that dispatched it.
+    // Adds amount to what is done and moves the bar. 1: go on. 0: the user has cancelled, and the dialog is closed as
+    // by Complete; told once, later calls give 1. A press is noticed by the call behind the one that dispatched it.
     int Callback(unsigned int amount);
-    // Shows 100 percent for a moment and closes the dialog. Without a dialog there is nothing to see.
+    // Moves the bar to 100 percent, waits 100 milliseconds so that it is seen, and closes the dialog: whatever the
+    // operation came to, also behind a cancel or a failure in the middle. Without a dialog it neither shows nor waits.
     void Complete();
-    // 1: a cancel was noticed since the last Start.
+    // 1: a cancel was noticed since the last Start, or by a Callback in whose final display a handler called Start.
     int UserCanceled() { return m_bCanceled; }
 
 private:
