@@ -18,7 +18,6 @@ public:
         if (timeKnown) out = fields;
         return timeKnown ? 1 : 0;
     }
-    std::int32_t TimezoneWest() override { return secondsWest; }
     std::uint32_t ProcessId() override { return 4660; }
     int HostName(char* buffer, int size) override {
         if (hostName == nullptr || static_cast<int>(std::strlen(hostName)) >= size) return -1;
@@ -28,9 +27,8 @@ public:
     void Sleep(unsigned int milliseconds) override { sleeps.push_back(milliseconds); }
 
     std::int64_t time = 0x6AFE5149;  // 2026-11-19 10:30:49 in Japan
-    LocalFields fields = {2026, 11, 19, 10, 30, 49, 4};
+    LocalFields fields = {2026, 11, 19, 10, 30, 49, 4, -32400};
     bool timeKnown = true;
-    std::int32_t secondsWest = -32400;
     const char* hostName = "pc.example.test";
     std::vector<unsigned int> sleeps;
 

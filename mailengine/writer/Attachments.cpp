@@ -56,6 +56,10 @@ int CEMailWriter::CheckFiles(const std::vector<FileInfo>& files, CString& error)
     return CheckAttachments(files, error);
 }
 
+void CEMailWriter::WriteBetween(const CString& text) {
+    (void)m_pStream->WriteString(text);  // a stream in trouble fails the next write too, or says so when it is closed
+}
+
 // QUIRK: two messages of one process and second share the boundary, and no part is searched for it (RFC 2046 5.1.1
 // wants one that occurs in none).
 CString CEMailWriter::MakeNewBoundary() {
@@ -67,18 +71,18 @@ CString CEMailWriter::MakeNewBoundary() {
 int CEMailWriter::WriteMixed(const CString& body, const std::vector<FileInfo>& files, CString& error) {
     const CString boundary = MakeNewBoundary();
     if (WriteFieldValue("Content-Type", "multipart/mixed", OneParameter("boundary=" + boundary)) == 0) return 0;
-    (void)m_pStream->WriteString(wire::kCrLf);
-    (void)m_pStream->WriteString(Delimiter(boundary) + wire::kCrLf);
+    WriteBetween(wire::kCrLf);
+    WriteBetween(Delimiter(boundary) + wire::kCrLf);
     if (WriteBody(body, error) == 0) return 0;
     int status = 1;
     for (std::size_t i = 0; i < files.size() && status != 0; ++i) {
-        (void)m_pStream->WriteString(wire::kCrLf + Delimiter(boundary) + wire::kCrLf);
+        WriteBetween(wire::kCrLf + Delimiter(boundary) + wire::kCrLf);
         const bool mail = platform::mbscmp(CFileUtility::GetFileExt(files[i].Path), "eml") == 0;
         status = mail ? WriteEMail(files[i], error) : WriteFile(files[i], error);
     }
     // QUIRK: no CRLF in front of the closing delimiter (RFC 2046 5.1.1 counts it to the delimiter), so a reader takes
     // the last line end of the last part for it.
-    (void)m_pStream->WriteString(Delimiter(boundary) + wire::kDelimiterHyphens + wire::kCrLf);
+    WriteBetween(Delimiter(boundary) + wire::kDelimiterHyphens + wire::kCrLf);
     return status;
 }
 
@@ -101,7 +105,7 @@ int CEMailWriter::WriteAttachment(const FileInfo& file, const AttachmentKind& ki
         error = kind.fieldsFailed;
         return 0;
     }
-    (void)m_pStream->WriteString(wire::kCrLf);
+    WriteBetween(wire::kCrLf);
     CFile content;
     if (OpenAttachment(file.Path, content) == 0) {
         error = CString(texts::kAttachmentOpenFailed) + wire::kCrLf + file.Path;
@@ -146,6 +150,6 @@ int CEMailWriter::WriteMailContent(CFile& file) {
         exception->Delete();
         status = 0;
     }
-    (void)m_pStream->WriteString(wire::kCrLf);
+    WriteBetween(wire::kCrLf);
     return status;
 }

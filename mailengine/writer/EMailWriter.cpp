@@ -1,4 +1,7 @@
 // The header block and the plain text of a message. JapaneseText.cpp and Attachments.cpp hold the rest of CEMailWriter.
+#include <algorithm>
+#include <string_view>
+
 #include <mailengine/encoding/Language.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
@@ -17,7 +20,8 @@ constexpr int kSubjectPrefixBytes = 9;  // "Subject: "
 
 // QUIRK: the zone is that of standard time also in summer, and a zone less than an hour west of UTC shows as one to
 // the east (RFC 5322 3.3 wants the true offset).
-CString DateText(const CSystem::LocalFields& time, std::int32_t secondsWest) {
+CString DateText(const CSystem::LocalFields& time) {
+    const std::int32_t secondsWest = time.secondsWest;
     CString text;
     text.Format("%s, %02d %s %d %02d:%02d:%02d %+03d%02d", kDayNames[time.weekday], time.day,
                 kMonthNames[time.month - 1], time.year, time.hour, time.minute, time.second, -(secondsWest / 3600),
@@ -25,10 +29,18 @@ CString DateText(const CSystem::LocalFields& time, std::int32_t secondsWest) {
     return text;
 }
 
+// What an identifier cannot hold without quotes (RFC 5322 3.2.3), but for the dot; controls and DEL besides.
+bool EndsIdentifier(char c) {
+    return (c >= 0 && c <= ' ') || c == 0x7F || std::string_view("()<>[]:;@\\,\"").find(c) != std::string_view::npos;
+}
+
+// The machine's name as far as an identifier can hold it: behind a line end it would be a field of its own.
 CString HostName() {
-    char name[256];
-    const bool named = CSystem::Get().HostName(name, sizeof name) == 0 && name[0] != 0;
-    return named ? CString(name) : CString("localhost");
+    char buffer[256];
+    std::string_view name;
+    if (CSystem::Get().HostName(buffer, sizeof buffer) == 0) name = buffer;
+    name = name.substr(0, static_cast<std::size_t>(std::ranges::find_if(name, EndsIdentifier) - name.begin()));
+    return CString(name.empty() ? "localhost" : name);
 }
 
 // QUIRK: two messages of one process and second share their identifier (RFC 5322 3.6.4 wants each unique).
@@ -111,7 +123,7 @@ int CEMailWriter::WriteIdentityFields() {
     m_doc.GetInReplyTo(inReplyTo);
     m_doc.GetReferences(references);
     m_doc.GetSubject(subject);
-    return WriteFieldValue("Date", DateText(time, CSystem::Get().TimezoneWest())) != 0 &&
+    return WriteFieldValue("Date", DateText(time)) != 0 &&
            WriteFieldValue("Message-ID", MessageIdText(time)) != 0 &&  //
            WriteFieldValue("X-Mailer", mailer) != 0 &&
            // QUIRK: RFC 5322 3.6.4 spells the field In-Reply-To.

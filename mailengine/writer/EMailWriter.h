@@ -76,6 +76,8 @@ protected:
 private:
     struct AttachmentKind;
 
+    // Writes what stands between two pieces of a message: empty lines and delimiters.
+    void WriteBetween(const CString& text);
     int WriteHeaderBlock();
     int WriteOriginFields();
     int WriteDestinationFields();

@@ -82,7 +82,7 @@ int CEMailWriter::WriteBody(const CString& body, CString& error) {
         status = WriteFieldValue("Content-Type", "text/plain");
     }
     if (status != 0) {
-        (void)m_pStream->WriteString(wire::kCrLf);
+        WriteBetween(wire::kCrLf);
         status = japanese ? WriteJapaneseText(body) : WritePlainText(body);
     }
     if (status == 0) error = texts::kBodyFailed;

@@ -137,17 +137,30 @@ TEST_F(EMailWriter, LosesWhatFollowsANulInAPieceOfAnAttachedMail) {
     ExpectGolden("written/attached-mail-with-nul.eml", m_stream.Text());
 }
 
-TEST_F(EMailWriter, WritesTheZoneOfStandardTimeAndNamesAMachineThatHasNoName) {
-    m_system.hostName = nullptr;
+TEST_F(EMailWriter, NamesTheMachineAsFarAsAnIdentifierHoldsIt) {
+    const std::pair<const char*, const char*> rows[] = {{nullptr, "localhost"},
+                                                        {"a.b-c_d", "a.b-c_d"},
+                                                        {"\xB1.x", "\xB1.x"},
+                                                        {"pc\r\nBcc: x@y", "pc"},
+                                                        {">", "localhost"}};
+    for (const auto& [hostName, named] : rows) {
+        m_system.hostName = hostName;
+        CMemoryStream stream;
+        EXPECT_EQ(WriteTo(stream), 1);
+        EXPECT_NE(stream.Text().find("\r\nMessage-ID: <20261119103049.4660@"s + named + ">\r\nX-Mailer"),
+                  std::string::npos);
+    }
+}
+
+TEST_F(EMailWriter, WritesTheZoneOfStandardTime) {
     const std::pair<std::int32_t, const char*> rows[] = {
         {-32400, " +0900\r\n"}, {12600, " -0330\r\n"}, {-19800, " +0530\r\n"}, {0, " +0000\r\n"},
         {1800, " +0030\r\n"},   {-1800, " +0030\r\n"}, {36000, " -1000\r\n"}};
     for (const auto& [west, zone] : rows) {
-        m_system.secondsWest = west;
+        m_system.fields.secondsWest = west;
         CMemoryStream stream;
         EXPECT_EQ(WriteTo(stream), 1);
         EXPECT_NE(stream.Text().find("Date: Thu, 19 Nov 2026 10:30:49"s + zone), std::string::npos) << zone;
-        EXPECT_NE(stream.Text().find("Message-ID: <20261119103049.4660@localhost>\r\n"), std::string::npos);
     }
 }
 

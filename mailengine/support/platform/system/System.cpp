@@ -22,17 +22,8 @@ int CSystem::LocalTime(std::int64_t time, LocalFields& fields) {
     tzset();
     if (localtime_r(&seconds, &split) == nullptr) return 0;
     fields = {split.tm_year + 1900, split.tm_mon + 1, split.tm_mday, split.tm_hour,
-              split.tm_min,         split.tm_sec,     split.tm_wday};
+              split.tm_min,         split.tm_sec,     split.tm_wday, static_cast<std::int32_t>(timezone)};
     return 1;
-}
-
-std::int32_t CSystem::TimezoneWest() {
-    // Has the C library look the zone up only if nobody has: it asks the disk for each tzset, and one for each mail is
-    // a fifth of a small one's time already.
-    const std::time_t now = std::time(nullptr);
-    std::tm split{};
-    localtime_r(&now, &split);
-    return static_cast<std::int32_t>(timezone);
 }
 
 std::uint32_t CSystem::ProcessId() {

@@ -12,6 +12,8 @@ public:
     // A time of the local zone, as people write it: month and day from 1, weekday from 0 for Sunday.
     struct LocalFields {
         int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, weekday = 0;
+        // Seconds that the zone's standard time lies west of UTC, in summer too. Japan has -32400.
+        std::int32_t secondsWest = 0;
     };
 
     virtual ~CSystem() = default;
@@ -21,9 +23,6 @@ public:
     // Looks the local zone up and splits time by it, summer time included. 0: the time cannot be told; fields stay as
     // they were.
     virtual int LocalTime(std::int64_t time, LocalFields& fields);
-    // Seconds that standard time lies west of UTC in the zone that LocalTime looked up last, or in that of now if it
-    // has not been asked yet; summer time is not looked at. Japan gives -32400.
-    virtual std::int32_t TimezoneWest();
     // The number of this process.
     virtual std::uint32_t ProcessId();
     // Puts the machine's name and a NUL into buffer, of size bytes. 0 on success; else buffer is not to be used.
