@@ -22,7 +22,7 @@ public:
     // 1 if a file, directory or link stands at path or, where its last part has a star or question mark, if anything
     // matches; else 0.
     static int Exists(const char* path);
-    // Deletes a file, or a link as such. 0: it failed.
+    // Deletes a file, or a link as such. 0: it failed; directories and devices stay.
     static int DeleteFileA(const char* path);
 
     // The size in bytes; links are followed. 0 for a path that cannot be examined and for anything but a file, the

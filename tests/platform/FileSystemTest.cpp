@@ -4,6 +4,8 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <tests/FileBytes.h>
 #include <tests/TempFolder.h>
 
@@ -95,6 +97,11 @@ TEST(FileSystem, RemovesWhatItIsAskedForAndNothingBehindALink) {
     EXPECT_TRUE(platform::DeleteFileA((folder / "to-folder").c_str()));
     EXPECT_EQ(ReadWholeFile(folder / "file"), "kept");
     EXPECT_TRUE(platform::RemoveDirectoryA(made.c_str()));
+    const std::string device = folder / "device";
+    if (mknod(device.c_str(), S_IFCHR | 0600, makedev(1, 3)) == 0) {  // for root only
+        EXPECT_FALSE(platform::DeleteFileA(device.c_str()));
+        EXPECT_TRUE(fs::exists(device));
+    }
     for (const char* const path : {static_cast<const char*>(nullptr), ""})
         EXPECT_FALSE(platform::DeleteFileA(path) || platform::CreateDirectoryA(path, nullptr) ||
                      platform::RemoveDirectoryA(path));

@@ -16,9 +16,6 @@
 #include <mailengine/support/platform/files/Path.h>
 #include <mailengine/support/platform/system/System.h>
 
-CException::~CException() = default;
-CFileException::~CFileException() = default;
-
 namespace {
 
 constexpr std::size_t kBufferBytes = 64 * 1024;
@@ -308,4 +305,8 @@ int CFile::GetStatus(const char* path, CFileStatus& status) {
 
 bool platform::LastOpenFoundPathTaken() {
     return GetLastError() == EEXIST;
+}
+
+bool platform::LastOpenFoundFileLocked() {
+    return GetLastError() == EWOULDBLOCK;
 }

@@ -94,5 +94,8 @@ namespace platform {
 
 // Whether the Open with createNew that just failed in this thread failed because its path is taken.
 MAILENGINE_API bool LastOpenFoundPathTaken();
+// Whether the Open that just failed in this thread failed because a CFile or another program holds a lock on the file,
+// so that a second try may succeed.
+MAILENGINE_API bool LastOpenFoundFileLocked();
 
 }  // namespace platform

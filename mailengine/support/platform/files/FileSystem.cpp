@@ -134,7 +134,14 @@ int platform::FindClose(HANDLE search) {
 }
 
 int platform::DeleteFileA(const char* path) {
-    return unlink(ToNativePath(path).c_str()) == 0;
+    const std::string native = ToNativePath(path);
+    struct stat status {};
+    if (lstat(native.c_str(), &status) != 0) return 0;
+    if (S_ISBLK(status.st_mode) || S_ISCHR(status.st_mode)) {
+        errno = EPERM;
+        return 0;
+    }
+    return unlink(native.c_str()) == 0;
 }
 
 int platform::CreateDirectoryA(const char* path, const void* security) {

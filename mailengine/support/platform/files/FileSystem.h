@@ -33,7 +33,8 @@ MAILENGINE_API int FindNextFileA(HANDLE search, WIN32_FIND_DATAA& data);
 // Ends a search. 0: search is no handle.
 MAILENGINE_API int FindClose(HANDLE search);
 
-// Deletes a file, or a link as such. 0: it failed; a directory is never deleted.
+// Deletes a file, or a link as such. 0: it failed; a directory is never deleted, nor is a device, which the whole
+// machine may need: root would miss its /dev/null after a message that could not be saved there.
 MAILENGINE_API int DeleteFileA(const char* path);
 // Makes one directory. security stands for the window system's access record and must be null. 0: it failed; something
 // stands at path or its parent is missing.

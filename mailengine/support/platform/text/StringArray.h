@@ -17,11 +17,8 @@ public:
         if (index >= GetSize()) m_items.resize(static_cast<std::size_t>(index) + 1);
         m_items[static_cast<std::size_t>(index)] = text;
     }
-    // Cuts or grows the array to size entries; growBy is a hint that is not used.
-    void SetSize(int size, int growBy = -1) {
-        (void)growBy;
-        m_items.resize(static_cast<std::size_t>(size));
-    }
+    // Cuts or grows the array to size entries; the second number, a hint how to grow, is not used.
+    void SetSize(int size, int /*growBy*/ = -1) { m_items.resize(static_cast<std::size_t>(size)); }
 
 private:
     std::vector<CString> m_items;
