@@ -141,7 +141,9 @@ public:
 
     // Makes the directory path and has the document own it, with every file directly in it: they go with ClearAll or
     // the document. Non-zero on success. 0: path exists or cannot be made (its parent is not made), and the document
-    // keeps the directory that it had. A directory owned before stays on disk and is the document's no more.
+    // keeps the directory that it had. A directory owned before stays on disk and is the document's no more. The path
+    // is kept as it is given: a relative one means the process's directory at each use, so that after a change of that
+    // directory the document would look for, and empty, another one of this name. Give a full path.
     int SetTempPath(const char* path);
     void GetTempPathA(CString& path) const { path = m_tempPath; }
 
@@ -160,6 +162,9 @@ public:
     // run meanwhile. 0: an argument is null, or the file cannot be made, also because it is an attachment of this very
     // document. 1 in all other cases: the user chose no file; the message was saved, and the modified flag is 0; the
     // user cancelled or writing failed, and then the file is deleted and the flag is as it was.
+    // A file that stood at the path is emptied before the first byte is written, so a failure or a cancel loses it, and
+    // the name with it (a device stays). A host that must not lose it writes into a new file beside it that takes its
+    // place when whole; the library for hosts (hostkit) has that.
     int SaveAs(CWnd* parent, CFileDialog* dialog);
 
 protected:
