@@ -26,6 +26,7 @@
 #include <mailengine/support/platform/text/Characters.h>
 #include <mailengine/support/platform/text/String.h>
 #include <mailengine/support/platform/text/StringArray.h>
+#include <mailengine/support/platform/text/Unicode.h>
 #include <mailengine/support/platform/windows/DataExchange.h>
 #include <mailengine/support/platform/windows/Dialog.h>
 #include <mailengine/support/platform/windows/FileDialog.h>

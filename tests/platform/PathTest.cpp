@@ -79,4 +79,12 @@ TEST(Path, TakesWhatAHostGivesOrNamesTheCharacter) {
     }
 }
 
+TEST(Path, TakesTheCodeThatAMailCarries) {
+    CString path;
+    std::string error;
+    ASSERT_TRUE(platform::ToLibraryPath("髙﨑①", path, error));
+    EXPECT_EQ(path.View(), "\xEE\xE0\xED\x95\x87\x40");  // not IBM's FBFC, FAB1
+    EXPECT_EQ(platform::ToLibraryName("髙﨑①"), path);
+}
+
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include <mailengine/support/platform/files/FileSystem.h>
 #include <mailengine/support/platform/files/Path.h>
+#include <mailengine/support/platform/text/Unicode.h>
 
 namespace {
 
@@ -24,11 +25,7 @@ struct Search {
 
 // The bytes of the character at the front of text, which is not empty; what is no UTF-8 counts byte by byte.
 std::size_t FrontCharacter(std::string_view text) {
-    std::size_t bytes = 1;
-    if (static_cast<unsigned char>(text[0]) >= 0xC0)
-        while (bytes < text.size() && bytes < 4 && (static_cast<unsigned char>(text[bytes]) & 0xC0) == 0x80)
-            ++bytes;
-    return bytes;
+    return platform::Utf8CharacterAt(text, 0).bytes;
 }
 
 // Whether name matches mask. A star first stands for nothing; at a mismatch the last star takes one character more.

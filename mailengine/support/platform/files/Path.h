@@ -6,7 +6,8 @@
 // A byte that code page 932 gives no character for, 0xHH, becomes the private-use character U+F700 + 0xHH, and so does
 // the second byte of a pair that is not assigned, whatever it is. So every library path names one file, never one in
 // another folder than its backslashes and slashes say, and two paths name two files unless they hold the same
-// characters. (Some characters have two or three codes; all name the same file.)
+// characters. (Some characters have two or three codes; all name the same file. On the way back each gets the code that
+// a mail can carry, see Unicode.h, where it has one.)
 //
 // A name on disk that code page 932 cannot hold must still be one that the library can delete. Each byte 0xHH that
 // resists is spelled 0xFF 0xFF and two capital hexadecimal digits. Only bytes above 0x7F and the backslash are spelled
@@ -31,6 +32,6 @@ MAILENGINE_API std::string ToNativePath(const char* path);
 [[nodiscard]] MAILENGINE_API int ToLibraryPath(std::string_view native, CString& path, std::string& error);
 
 // The library's form of any name on disk; ToNativePath gives exactly that name again.
-CString ToLibraryName(std::string_view nativeName);
+MAILENGINE_API CString ToLibraryName(std::string_view nativeName);
 
 }  // namespace platform
