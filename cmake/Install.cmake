@@ -1,9 +1,17 @@
-# What a host outside this tree gets: both shared libraries, the public headers, a CMake package and a pkg-config file.
+# What a host outside this tree gets: the shared libraries, their public headers, a CMake package, pkg-config files.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS mailengine mailengine-platform EXPORT mailengine-targets
         FILE_SET HEADERS
         INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})  # for a host whose CMake knows no file sets
+
+set(pkgconfig_names mailengine)
+if(MAILENGINE_BUILD_HOSTKIT)
+  install(TARGETS mailengine-hostkit EXPORT mailengine-targets
+          FILE_SET HEADERS
+          INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  list(APPEND pkgconfig_names mailengine-hostkit)
+endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/mailengine)
 install(EXPORT mailengine-targets NAMESPACE mailengine:: FILE mailengine-config.cmake DESTINATION ${package_dir})
@@ -12,5 +20,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mailengine-config-version.cmake DESTIN
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_from_pkgconfig /${pkgconfig_dir} /)
-configure_file(cmake/mailengine.pc.in mailengine.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mailengine.pc DESTINATION ${pkgconfig_dir})
+foreach(name ${pkgconfig_names})
+  configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
+endforeach()

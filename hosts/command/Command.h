@@ -14,7 +14,7 @@ public:
     bool IsAsked() const { return m_pCommand->parsed(); }
     std::string Name() const { return m_pCommand->get_name(); }
     // Does the work and gives the exit status: 0, or kExitFailed where each fault has its line on stderr already.
-    // Throws CFailure for a fault that ends the command.
+    // Throws CFailure and hostkit::Failure for a fault that ends the command.
     virtual int Run() const = 0;
 
 protected:

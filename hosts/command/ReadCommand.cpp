@@ -1,10 +1,12 @@
 #include "ReadCommand.h"
 
-#include "Failure.h"
-#include "MessageFile.h"
-#include "OpenedMail.h"
+#include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Utf8.h>
+
+#include "CommandLine.h"
+#include "Faults.h"
+#include "ShownMail.h"
 #include "Terminal.h"
-#include "Utf8.h"
 
 CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show messages and extract attachments") {
     m_pCommand->add_option("FILE", m_strFiles, "The messages, one in each; none or - is standard input");
@@ -23,9 +25,8 @@ int CReadCommand::Run() const {
     for (const std::string& path : m_strFiles.empty() ? std::vector<std::string>{"-"} : m_strFiles) {
         try {
             Read(path);
-        } catch (const CFailure& failure) {
-            terminal::Complain(failure.what());
-            status = kExitFailed;
+        } catch (const hostkit::Failure&) {
+            status = ReportFault();
         }
     }
     terminal::Finish();
@@ -33,13 +34,15 @@ int CReadCommand::Run() const {
 }
 
 void CReadCommand::Read(const std::string& path) const {
-    OpenedMail opened;
-    OpenMail(ReadMessage(path), m_strFolder ? &*m_strFolder : nullptr, opened);
+    const std::filesystem::path folder = m_strFolder.value_or("");
+    hostkit::OpenedMail opened;
+    hostkit::OpenMail(MessageAt(path), m_strFolder ? &folder : nullptr, opened);
     if (m_bJson) {
         terminal::Put(JsonOfMail(opened, m_bHeaders, path));
     } else {
-        if (m_strFiles.size() > 1) terminal::Put("==> " + utf8::Shown(path) + " <==\n");
+        if (m_strFiles.size() > 1) terminal::Put("==> " + hostkit::Shown(path) + " <==\n");
         terminal::Put(ShownMail(opened, m_bHeaders) + (m_strFiles.size() > 1 ? "\n" : ""));
     }
-    if (!opened.fault.empty()) throw CFailure(NameOfMessage(path) + ": " + opened.fault);
+    if (!opened.fault.empty())
+        throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, NameOfInput(path)}, opened.fault);
 }

@@ -1,37 +1,21 @@
 #include "ReplyCommand.h"
 
-#include <mailengine/mailengine.h>
+#include <hostkit/letter/Answer.h>
+#include <hostkit/letter/Attachment.h>
+#include <hostkit/letter/MailOutput.h>
 
-#include "Diagnosis.h"
-#include "Failure.h"
-#include "MailOutput.h"
-#include "MessageFile.h"
-#include "PreparedReply.h"
+#include "CommandLine.h"
+#include "Faults.h"
 #include "Terminal.h"
 
-namespace {
-
-void Prepare(const std::string& path, CMailDoc& doc) {
-    const CString mail = ReadMessage(path);
-    if (CEMailPerser().Perse(mail, nullptr, doc, 1)) return;
-    const CWorkFolder folder;
-    throw CFailure(NameOfMessage(path) + ": " + CDiagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
-}
-
-}  // namespace
-
-void AnswerMail(const std::string& file, const CLetterOptions& letter, CMailDoc& doc) {
-    if (file == "-" && letter.ReadsStandardInput()) {
+void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc& doc) {
+    if (file == "-" && options.ReadsStandardInput())
         throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
-    }
-    Prepare(file, doc);
-    const CString quoted = QuotedMail(doc);
-    CleanPreparedReply(doc);
-    doc.SetBody("");
-    letter.Fill(doc);
-    CString answer;
-    doc.GetBody(answer);
-    SetReplyBody(doc, answer, quoted);
+    const CString mail = MessageAt(file);
+    std::vector<std::string> warnings;
+    hostkit::PrepareAnswer(mail, NameOfInput(file), options.Letter(), doc, warnings);
+    for (const std::string& warning : warnings)
+        terminal::Warn(warning);
 }
 
 CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Write a mail that answers another") {
@@ -51,16 +35,17 @@ CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Wr
 int CReplyCommand::Run() const {
     CMailDoc doc;
     AnswerMail(m_strFile, m_letter, doc);
-    if (doc.GetToAddressSize() == 0) terminal::Complain("warning: the answered mail names no sender; give --to");
+    if (doc.GetToAddressSize() == 0) terminal::Warn("the answered mail names no sender; give --to");
 
-    COutputTarget target(m_strOutput);
-    CheckFiles(target);
-    WriteMail(doc, target);
+    const std::unique_ptr<hostkit::OutputTarget> target = TargetAt(m_strOutput);
+    CheckFiles(*target);
+    terminal::Warn(hostkit::WriteMail(doc, *target));
     return 0;
 }
 
-void CReplyCommand::CheckFiles(const COutputTarget& target) const {
-    m_letter.CheckTarget(target);
+void CReplyCommand::CheckFiles(const hostkit::OutputTarget& target) const {
+    hostkit::CheckAreNotTarget(m_letter.Attachments(), target);
     struct stat status;
-    if (m_strFile != "-" && stat(m_strFile.c_str(), &status) == 0) target.CheckIsNot(status, m_strFile);
+    if (m_strFile != "-" && stat(m_strFile.c_str(), &status) == 0)
+        target.CheckIsNot(status, {hostkit::Field::None, m_strFile});
 }

@@ -1,12 +1,14 @@
 // CReplyCommand: mailengine reply, a mail that answers another.
 #pragma once
 
+#include <hostkit/files/OutputTarget.h>
+
 #include "Command.h"
 #include "LetterOptions.h"
 
-// Makes doc the answer to the mail in file (- is standard input), filled by what letter was given. Throws CFailure,
-// also where both are standard input.
-void AnswerMail(const std::string& file, const CLetterOptions& letter, CMailDoc& doc);
+// Makes doc the answer to the mail in file (- is standard input), filled by what the options give. Warns on stderr of
+// what was left out. Throws CFailure where both are standard input, and hostkit::Failure.
+void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc& doc);
 
 class CReplyCommand : public CCommand {
 public:
@@ -14,7 +16,7 @@ public:
     int Run() const override;
 
 private:
-    void CheckFiles(const COutputTarget& target) const;
+    void CheckFiles(const hostkit::OutputTarget& target) const;
 
     CLetterOptions m_letter;
     std::string m_strFile;

@@ -7,12 +7,10 @@
 class CSendCommand : public CCommand {
 public:
     explicit CSendCommand(CLI::App& program);
-    // Sends the mail, whole or not at all. Throws CFailure.
+    // Sends the mail, whole or not at all. Throws CFailure and hostkit::Failure.
     int Run() const override;
 
 private:
-    void SetServer(CMailDoc& doc) const;
-
     CLetterOptions m_letter;
     std::string m_strServer;
     std::string m_strAnswered;

@@ -1,13 +1,16 @@
 #include "SubjectCommand.h"
 
+#include <hostkit/characters/Failure.h>
+#include <hostkit/characters/MailText.h>
+#include <hostkit/characters/Utf8.h>
+#include <hostkit/files/WorkFolder.h>
+#include <hostkit/letter/Diagnosis.h>
+
 #include <mailengine/mailengine.h>
 
-#include "Diagnosis.h"
-#include "Failure.h"
-#include "MailText.h"
-#include "MessageFile.h"
+#include "CommandLine.h"
+#include "Faults.h"
 #include "Terminal.h"
-#include "Utf8.h"
 
 CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject", "Show the subjects of messages") {
     m_pCommand->add_option("FILE", m_strFiles, "The messages; - is standard input")->required();
@@ -21,9 +24,8 @@ int CSubjectCommand::Run() const {
     for (const std::string& path : m_strFiles) {
         try {
             ShowSubject(path);
-        } catch (const CFailure& failure) {
-            terminal::Complain(failure.what());
-            status = kExitFailed;
+        } catch (const hostkit::Failure&) {
+            status = ReportFault();
         }
     }
     terminal::Finish();
@@ -31,7 +33,7 @@ int CSubjectCommand::Run() const {
 }
 
 void CSubjectCommand::ShowSubject(const std::string& path) const {
-    const CString mail = ReadMessage(path);
+    const CString mail = MessageAt(path);
     CString subject;
     const bool isRead = CEMailPerser().GetSubject(mail, subject) != 0;
     CMailDoc rest;
@@ -39,9 +41,10 @@ void CSubjectCommand::ShowSubject(const std::string& path) const {
         CEMailPerser().Perse(mail, nullptr, rest, 1);
         rest.GetSubject(subject);
     }
-    const std::string label = m_strFiles.size() == 1 ? "" : utf8::Shown(path) + '\t';
-    terminal::Put(label + mailtext::LineShown(subject.View()) + '\n');
+    const std::string label = m_strFiles.size() == 1 ? "" : hostkit::Shown(path) + '\t';
+    terminal::Put(label + hostkit::LineShown(subject.View()) + '\n');
     if (isRead) return;
-    const CWorkFolder folder;
-    throw CFailure(NameOfMessage(path) + ": " + CDiagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
+    const hostkit::WorkFolder folder;
+    throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, NameOfInput(path)},
+                           hostkit::Diagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
 }

@@ -1,13 +1,17 @@
 #include "Terminal.h"
 
+#include <hostkit/characters/Utf8.h>
 #include <iostream>
 
-#include "Failure.h"
-#include "Utf8.h"
+#include "Faults.h"
 
 void terminal::Complain(const std::string& text) {
     std::cout.flush();
-    std::cerr << "mailengine: " << utf8::Shown(text) << '\n';
+    std::cerr << "mailengine: " << hostkit::Shown(text) << '\n';
+}
+
+void terminal::Warn(const std::string& text) {
+    if (!text.empty()) Complain("warning: " + text);
 }
 
 void terminal::Put(const std::string& text) {

@@ -7,6 +7,8 @@ namespace terminal {
 
 // One line on standard error, "mailengine: text", behind all that was put out before.
 void Complain(const std::string& text);
+// The same, as a warning; nothing for an empty text.
+void Warn(const std::string& text);
 // Text of an answer. Its control characters must be harmless already.
 void Put(const std::string& text);
 // An answer counts only if it got out: throws CFailure if any of it did not.

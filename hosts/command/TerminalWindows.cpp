@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <hostkit/characters/CodePage.h>
+#include <hostkit/characters/Utf8.h>
+#include <hostkit/files/PendingFile.h>
 #include <iostream>
 #include <string_view>
 #include <unistd.h>
-
-#include "Border.h"
-#include "Utf8.h"
 
 namespace {
 
@@ -20,6 +20,7 @@ volatile std::sig_atomic_t g_pressedBefore = 0;
 
 void NotePress(int number) {
     if (g_pressedBefore) {
+        hostkit::RemovePendingFiles();
         signal(number, SIG_DFL);
         raise(number);
         return;
@@ -34,7 +35,7 @@ bool IsTerminal() {
 }
 
 std::string Outside(const CString& text) {
-    return utf8::Shown(border::ToOutside(text.View()));
+    return hostkit::Shown(hostkit::FromCodePage(text.View()));
 }
 
 }  // namespace

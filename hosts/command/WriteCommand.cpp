@@ -1,6 +1,10 @@
 #include "WriteCommand.h"
 
-#include "MailOutput.h"
+#include <hostkit/letter/Attachment.h>
+#include <hostkit/letter/MailOutput.h>
+
+#include "CommandLine.h"
+#include "Terminal.h"
 
 CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Write a mail to a message file") {
     m_letter.AddTo(*m_pCommand);
@@ -13,10 +17,11 @@ CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Wr
 }
 
 int CWriteCommand::Run() const {
+    const hostkit::Letter letter = m_letter.Letter();
     CMailDoc doc;
-    m_letter.Fill(doc);
-    COutputTarget target(m_strOutput);
-    m_letter.CheckTarget(target);
-    WriteMail(doc, target);
+    letter.Fill(doc);
+    const std::unique_ptr<hostkit::OutputTarget> target = TargetAt(m_strOutput);
+    hostkit::CheckAreNotTarget(letter.attachments, *target);
+    terminal::Warn(hostkit::WriteMail(doc, *target));
     return 0;
 }

@@ -1,13 +1,13 @@
 // mailengine: the mail engine from the command line.
 #include <CLI/CLI.hpp>
 #include <csignal>
-#include <exception>
 #include <memory>
 
-#include "Failure.h"
+#include "Faults.h"
 #include "ReadCommand.h"
 #include "ReplyCommand.h"
 #include "SendCommand.h"
+#include "SignalGuard.h"
 #include "SubjectCommand.h"
 #include "Terminal.h"
 #include "WriteCommand.h"
@@ -57,13 +57,10 @@ int main(int argc, char** argv) {
     // A closed pipe and a file that grows too large are failed writes, with their line on stderr.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    InstallSignalGuard();
     try {
         return Run(argc, argv);
-    } catch (const CFailure& failure) {
-        return Fail(failure.what(), failure.Status());
-    } catch (const std::bad_alloc&) {
-        return Fail("there is not enough memory; give smaller texts", kExitFailed);
-    } catch (const std::exception& error) {
-        return Fail(error.what(), kExitFailed);
+    } catch (...) {
+        return ReportFault();
     }
 }

@@ -1,0 +1,69 @@
+// Failure: why a work of the kit was not done, as a fact and its place. What a host makes of it is the host's: an exit
+// status by the kind, a label of its own (an option, a field of a window) by the place, an advice by both.
+#pragma once
+
+#include <cstddef>
+#include <hostkit/characters/Export.h>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace hostkit {
+
+enum class FailureKind {
+    Value,      // what the host was given is wrong as it stands
+    Uncarried,  // it holds a character that a Japanese mail cannot carry
+    Input,      // a file cannot be read, or is none that can be
+    Message,    // what was read is no mail, or too large to be one
+    SameFile,   // a file would be read while it is written
+    Target,     // a place to write to is none, or may not be written
+    Output,     // writing failed
+    System,     // this machine lacks what the work needs
+};
+
+// What of a letter or of a work is meant.
+enum class Field {
+    None,
+    From,
+    ReplyTo,
+    To,
+    Cc,
+    Bcc,
+    Subject,
+    Dear,
+    Greeting,
+    Body,
+    Closing,
+    Signature,
+    Mailer,
+    Attachment,
+    Server,
+    Folder,
+};
+
+struct Place {
+    Field field = Field::None;
+    std::string name{};    // the file, or the value as it was given; empty: the field has one
+    std::size_t line = 0;  // both count from 1, a column in characters; 0: the whole
+    std::size_t column = 0;
+};
+
+class HOSTKIT_API Failure : public std::runtime_error {
+public:
+    // fact is UTF-8 and goes on from the place.
+    Failure(FailureKind kind, const Place& place, const std::string& fact);
+
+    FailureKind Kind() const { return m_kind; }
+    const Place& Where() const { return m_place; }
+    const std::string& Fact() const { return m_fact; }
+    // Place and fact in one sentence of UTF-8, the place's field under the host's own label. what() is the sentence
+    // with the kit's labels.
+    std::string Sentence(std::string_view label) const;
+
+private:
+    FailureKind m_kind;
+    Place m_place;
+    std::string m_fact;
+};
+
+}  // namespace hostkit

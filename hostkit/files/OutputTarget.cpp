@@ -1,0 +1,95 @@
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <hostkit/files/OutputTarget.h>
+#include <unistd.h>
+
+namespace hostkit {
+
+namespace {
+
+std::string RealPath(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+    return real ? std::string(real.get()) : path;
+}
+
+[[noreturn]] void Refuse(FailureKind kind, const std::string& name, const std::string& fact) {
+    throw Failure(kind, {Field::None, name}, fact);
+}
+
+}  // namespace
+
+OutputTarget::OutputTarget(const std::filesystem::path& path) : m_strShown(path) {
+    std::error_code none;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, none);
+    m_strPath = none || path.empty() ? path : absolute;
+    LookAtFile();
+}
+
+OutputTarget::OutputTarget(int descriptor, const std::string& name) : m_strShown(name), m_nDescriptor(descriptor) {
+    struct stat status;
+    if (fstat(descriptor, &status) != 0) Refuse(FailureKind::Target, m_strShown, "is closed; open it, or name a file");
+    m_status = status;
+}
+
+OutputTarget::~OutputTarget() {
+    if (m_bOwned) close(m_nDescriptor);
+}
+
+void OutputTarget::LookAtFile() {
+    struct stat status;
+    if (m_strPath.empty() || m_strPath.back() == '/')
+        Refuse(FailureKind::Target, "'" + m_strShown + "'", "names no file; give a file");
+    if (stat(m_strPath.c_str(), &status) != 0) {
+        const int error = errno;
+        if (error != ENOENT) Refuse(FailureKind::Target, m_strShown, std::strerror(error));
+        if (lstat(m_strPath.c_str(), &status) == 0)
+            Refuse(FailureKind::Target, m_strShown, "is a link to nothing; name another file");
+        return;
+    }
+    m_status = status;
+    if (S_ISDIR(status.st_mode)) Refuse(FailureKind::Target, m_strShown, "is a folder; give a file in it");
+    if (faccessat(AT_FDCWD, m_strPath.c_str(), W_OK, AT_EACCESS) != 0) {
+        Refuse(FailureKind::Target, m_strShown,
+               std::string("may not be written: ") + std::strerror(errno) + "; name another file");
+    }
+    if (S_ISREG(status.st_mode)) m_strPath = RealPath(m_strPath);
+}
+
+void OutputTarget::CheckIsNot(const struct stat& status, const Place& where) const {
+    if (!m_status || m_status->st_dev != status.st_dev || m_status->st_ino != status.st_ino) return;
+    throw Failure(FailureKind::SameFile, where, "is also the file to write");
+}
+
+COutputStream& OutputTarget::Open() {
+    const bool direct = m_status && !S_ISREG(m_status->st_mode);
+    if (direct && !m_strPath.empty()) {
+        m_nDescriptor = open(m_strPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
+        if (m_nDescriptor < 0)
+            Refuse(FailureKind::Target, m_strShown, std::string("cannot be opened: ") + std::strerror(errno));
+        m_bOwned = true;
+    }
+    if (m_nDescriptor >= 0) {
+        m_pStream = std::make_unique<DescriptorStream>(m_nDescriptor);
+    } else {
+        m_pFile = std::make_unique<NewFile>(m_strPath, m_status ? &*m_status : nullptr);
+        m_pStream = std::make_unique<DescriptorStream>(m_pFile->Descriptor());
+    }
+    return *m_pStream;
+}
+
+void OutputTarget::CheckWritten() const {
+    if (m_pStream->Failed() == 0) return;
+    Refuse(FailureKind::Output, m_strShown,
+           std::string("cannot be written: ") + std::strerror(m_pStream->Failed()) +
+               (m_pFile ? "; nothing was changed" : "; the message there is not whole"));
+}
+
+void OutputTarget::Commit() {
+    m_pStream->Close();
+    CheckWritten();
+    if (m_pFile) m_pFile->Replace();
+}
+
+}  // namespace hostkit

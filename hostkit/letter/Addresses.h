@@ -1,0 +1,24 @@
+// Addresses: an address as a user types it, and what of an address a mail can carry. Stateless; any thread.
+#pragma once
+
+#include <hostkit/characters/CodePage.h>
+#include <string>
+#include <vector>
+
+#include <mailengine/model/Address.h>
+#include <mailengine/model/MailDoc.h>
+
+namespace hostkit {
+
+// The address in text: 'name <user@host>' or user@host, in UTF-8. Throws Failure for a text that holds no address, more
+// than one, or what a header field cannot carry.
+HOSTKIT_API CAddress AddressOf(const std::string& text, Missing missing, Field field);
+
+// Takes the double quotes off that FromText leaves around a Japanese name: readers would see them.
+void DropQuotes(CAddress& address);
+
+// The addresses of one of a document's lists.
+using AddressAt = const CAddress* (CMailDoc::*)(unsigned int) const;
+std::vector<CAddress> AddressesOf(const CMailDoc& doc, unsigned int size, AddressAt addressAt);
+
+}  // namespace hostkit

@@ -1,0 +1,19 @@
+// Attachment: a file of the user's as the library wants it. Stateless; any thread.
+#pragma once
+
+#include <filesystem>
+#include <hostkit/files/OutputTarget.h>
+
+#include <mailengine/model/MailDoc.h>
+
+namespace hostkit {
+
+// The attachment for the file at path. Throws Failure for what is no readable regular file, for a path that a mail
+// cannot carry, and for a file name that would break out of its field in the message: the name goes between double
+// quotes as it is (RFC 2183 2.3), so it may hold no double quote and no control character.
+CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path);
+
+// Throws Failure if one of the files is the one that target writes, whatever the spelling and the links.
+HOSTKIT_API void CheckAreNotTarget(const std::vector<std::filesystem::path>& attachments, const OutputTarget& target);
+
+}  // namespace hostkit

@@ -1,0 +1,33 @@
+#include "CommandLine.h"
+
+#include <hostkit/characters/CodePage.h>
+#include <hostkit/files/InputFile.h>
+#include <hostkit/files/MessageFile.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char kStandard[] = "-";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+std::string NameOfInput(const std::string& path) {
+    return path == kStandard ? "standard input" : path;
+}
+
+CString MessageAt(const std::string& path) {
+    return path == kStandard ? hostkit::ReadMessage(STDIN_FILENO, NameOfInput(path)) : hostkit::ReadMessage(path);
+}
+
+std::string TextAt(const std::string& path) {
+    std::string text = path == kStandard ? hostkit::ReadWhole(STDIN_FILENO, NameOfInput(path), hostkit::kMaxTextBytes)
+                                         : hostkit::ReadWhole(path, hostkit::kMaxTextBytes);
+    if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
+    return text;
+}
+
+std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path) {
+    if (path == kStandard) return std::make_unique<hostkit::OutputTarget>(STDOUT_FILENO, "standard output");
+    return std::make_unique<hostkit::OutputTarget>(path);
+}
