@@ -31,7 +31,8 @@ void CheckReadable(const std::filesystem::path& path) {
 }
 
 void CheckName(const std::filesystem::path& path) {
-    for (const char ch : path.filename().native()) {
+    const std::filesystem::path name = path.filename();
+    for (const char ch : name.native()) {
         const auto byte = static_cast<unsigned char>(ch);
         if (byte >= 0x20 && byte != 0x7F && byte != '"') continue;
         throw Failure(FailureKind::Value, Named(path),
