@@ -5,30 +5,15 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <tests/TempFolder.h>
 #include <unistd.h>
 #include <vector>
 
 namespace bench {
-namespace {
-
-class TemporaryFolder {
-public:
-    TemporaryFolder() { Require(mkdtemp(m_path.data()) != nullptr, "no folder " + m_path); }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    const std::string& Path() const { return m_path; }
-
-private:
-    std::string m_path = "/dev/shm/mailengine-bench-XXXXXX";
-};
-
-}  // namespace
 
 const std::string& Folder() {
-    static const TemporaryFolder folder;
-    return folder.Path();
+    static const CTempFolder folder("/dev/shm");
+    return folder.Native().native();
 }
 
 std::string Folder(const std::string& name) {

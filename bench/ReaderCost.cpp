@@ -4,18 +4,16 @@
 #include <algorithm>
 #include <bench/Bench.h>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <tests/TempFolder.h>
 #include <utility>
 #include <vector>
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/parser/EMailPerser.h>
-#include <mailengine/support/platform/files/Path.h>
 
 namespace {
 
@@ -96,31 +94,8 @@ const std::vector<Case>& Cases() {
     return cases;
 }
 
-// A new folder for each extraction.
-class Folder {
-public:
-    Folder() {
-        std::string name = std::filesystem::temp_directory_path() / "mailengine-bench-XXXXXX";
-        bench::Require(mkdtemp(name.data()) != nullptr, "no temporary folder");
-        m_path = name;
-    }
-    ~Folder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    CString Path() const {
-        CString path;
-        std::string error;
-        bench::Require(platform::ToLibraryPath(m_path.string(), path, error) != 0, error);
-        return path;
-    }
-
-private:
-    std::filesystem::path m_path;
-};
-
 double SecondsToRead(const Case& job, const CString& mail) {
-    const Folder folder;
+    const CTempFolder folder;  // a new one for each extraction
     const CString path = folder.Path();
     CMailDoc document;
     const std::clock_t start = std::clock();

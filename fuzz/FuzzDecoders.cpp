@@ -1,9 +1,9 @@
 // The three decoders and the two conversions, on any bytes: nothing is written outside the capacity (each buffer has
 // exactly that size), results follow a literal reading of the rules, and what was encoded decodes to itself.
-#include <fuzz/LiteralConversions.h>
-#include <fuzz/LiteralDecoders.h>
-#include <fuzz/Require.h>
 #include <string>
+#include <tests/models/LiteralConversions.h>
+#include <tests/models/LiteralDecoders.h>
+#include <tests/models/Require.h>
 
 #include <mailengine/encoding/Base64.h>
 #include <mailengine/encoding/Language.h>

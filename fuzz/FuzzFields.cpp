@@ -1,7 +1,7 @@
 // Every field operation of the parser, on the bytes as they are and on the same bytes folded onto what mail is made of.
-#include <fuzz/Require.h>
 #include <memory>
 #include <string>
+#include <tests/models/Require.h>
 
 #include <mailengine/parser/EMailPerser.h>
 

@@ -1,9 +1,9 @@
 // The whole parse: opened with extraction into a scratch folder, and answered. Whatever the message says, files come
 // into that folder only, the list names each of them once, and an answer touches no file.
-#include <fuzz/Require.h>
 #include <fuzz/ScratchFolder.h>
 #include <set>
 #include <string>
+#include <tests/models/Require.h>
 #include <vector>
 
 #include <mailengine/parser/EMailPerser.h>

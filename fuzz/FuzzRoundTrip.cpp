@@ -1,8 +1,8 @@
 // Bytes make a document; what is written is read back to the same document.
-#include <fuzz/Require.h>
-#include <fuzz/RoundTrip.h>
 #include <fuzz/ScratchFolder.h>
 #include <string>
+#include <tests/models/Require.h>
+#include <tests/models/RoundTrip.h>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static CScratchFolder sources, target;

@@ -8,6 +8,7 @@
 #include <mailengine/encoding/QuotedPrint.h>
 #include <mailengine/model/Address.h>
 #include <mailengine/model/MailDoc.h>
+#include <mailengine/model/Recipients.h>
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/support/FileUtility.h>
 #include <mailengine/support/ProgressCallback.h>

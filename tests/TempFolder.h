@@ -1,10 +1,10 @@
-// CTempFolder: a new folder that lives as long as the object, under its native and its library path.
+// CTempFolder: a new folder that lives as long as the object, under its native and its library path. Tests, fuzzers and
+// benchmarks use it.
 #pragma once
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
 
@@ -12,9 +12,9 @@
 
 class CTempFolder {
 public:
-    CTempFolder() {
-        std::string name = testing::TempDir() + "mailengine-XXXXXX";
-        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    explicit CTempFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+        std::string name = parent / "mailengine-XXXXXX";
+        if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder " + name);
         m_path = name;
     }
     ~CTempFolder() {

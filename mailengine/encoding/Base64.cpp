@@ -5,6 +5,7 @@
 #include <mailengine/encoding/Base64.h>
 #include <mailengine/encoding/Base64Groups.h>
 #include <mailengine/encoding/Base64Vector.h>
+#include <mailengine/support/Wire.h>
 
 const char* const CBase64::base64Table = base64::kAlphabet;
 
@@ -76,9 +77,9 @@ constexpr std::size_t kPieceBytes = 3072;  // whole groups, and few enough of th
 }  // namespace
 
 unsigned int CBase64::CalcEnecodedSize(unsigned int size) {
-    const unsigned int lines = size / 54;
-    const unsigned int rest = size % 54 * 4 / 3;
-    return lines * 74 + rest + 4 - rest % 4;
+    const unsigned int lines = size / wire::kBase64LineBytes;
+    const unsigned int rest = size % wire::kBase64LineBytes * 4 / 3;
+    return lines * wire::kBase64LineWithEnd + rest + 4 - rest % 4;
 }
 
 int CBase64::Encode(const unsigned char* data, unsigned int size, CString& text) {

@@ -8,7 +8,6 @@ namespace {
 
 constexpr std::int32_t kSmtpPort = 25;  // RFC 5321 4.5.4.2
 constexpr std::string_view kPartSeparator = "\r\n\r\n";
-constexpr std::string_view kOriginalMessageMark = "\r\n----- Original Message";
 
 void AppendPart(CString& text, std::string_view part) {
     text += part;
@@ -125,7 +124,7 @@ void CMailDoc::SetSendServer(const CString& server, std::int32_t port) {
 
 void CMailDoc::GetBodyWithLetter(CString& text) const {
     const std::string_view body = m_body.View();
-    const int mark = m_upperReplyFlg != 0 ? m_body.Find(kOriginalMessageMark.data()) : -1;
+    const int mark = m_upperReplyFlg != 0 ? m_body.Find(CString("\r\n") + kOriginalMessage) : -1;
     const std::string_view reply = body.substr(0, mark == -1 ? body.size() : static_cast<std::size_t>(mark));
     const std::string_view quoted = body.substr(reply.size());
 

@@ -75,9 +75,12 @@ public:
     void GetSignature(CString& signature) const { signature = m_signature; }
     void SetSignature(const CString& signature);  // modifies
 
+    // How the line begins that a quoted mail stands under.
+    static constexpr char kOriginalMessage[] = "----- Original Message";
+
     // The text that the message carries: the parts that are not empty, in their order. Salutation and greeting have an
     // empty line behind them; closing and signature have one in front, even where nothing stands before. With
-    // UpperReplyFlg the body is cut in front of the first CRLF with "----- Original Message" behind it: closing and
+    // UpperReplyFlg the body is cut in front of the first CRLF with kOriginalMessage behind it: closing and
     // signature come behind the reply, the quoted mail last. No CRLF is added at the end.
     void GetBodyWithLetter(CString& text) const;
 

@@ -70,7 +70,7 @@ CString CEMailWriter::MakeNewBoundary() {
 
 int CEMailWriter::WriteMixed(const CString& body, const std::vector<FileInfo>& files, CString& error) {
     const CString boundary = MakeNewBoundary();
-    if (WriteFieldValue("Content-Type", "multipart/mixed", OneParameter("boundary=" + boundary)) == 0) return 0;
+    if (WriteFieldValue(wire::kContentType, wire::kMultipartMixed, OneParameter("boundary=" + boundary)) == 0) return 0;
     WriteBetween(wire::kCrLf);
     WriteBetween(Delimiter(boundary) + wire::kCrLf);
     if (WriteBody(body, error) == 0) return 0;
@@ -94,7 +94,7 @@ int CEMailWriter::WriteFile(const FileInfo& file, CString& error) {
 }
 
 int CEMailWriter::WriteEMail(const FileInfo& file, CString& error) {
-    static constexpr AttachmentKind kMail = {"message/rfc822", "7bit", &CEMailWriter::WriteMailContent,
+    static constexpr AttachmentKind kMail = {wire::kAttachedMail, "7bit", &CEMailWriter::WriteMailContent,
                                              texts::kMailFieldsFailed, texts::kMailContentFailed};
     return WriteAttachment(file, kMail, error);
 }
@@ -119,8 +119,8 @@ int CEMailWriter::WriteAttachment(const FileInfo& file, const AttachmentKind& ki
 // QUIRK: encoded words stand inside the quotes of a parameter (RFC 2047 5 forbids it; RFC 2231 4 has another form).
 int CEMailWriter::WriteAttachmentFields(const FileInfo& file, const AttachmentKind& kind) {
     const CString name = EncodeFieldValue(CFileUtility::GetFileNameFromPath(file.Path), kNamePrefixBytes);
-    return WriteFieldValue("Content-Type", kind.mediaType, OneParameter("name=\"" + name + "\"")) != 0 &&
-           WriteFieldValue("Content-Transfer-Encoding", kind.transferEncoding) != 0 &&
+    return WriteFieldValue(wire::kContentType, kind.mediaType, OneParameter("name=\"" + name + "\"")) != 0 &&
+           WriteFieldValue(wire::kContentTransferEncoding, kind.transferEncoding) != 0 &&
            WriteFieldValue("Content-Disposition", "attachment", OneParameter("filename=\"" + name + "\"")) != 0;
 }
 

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include <mailengine/encoding/Language.h>
+#include <mailengine/model/Recipients.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/Texts.h>
 #include <mailengine/support/Wire.h>
@@ -90,26 +91,19 @@ int CEMailWriter::WriteOriginFields() {
     return WriteAddressField("Reply-To", text);
 }
 
+// QUIRK: Bcc stays in the message, for all to see (RFC 5322 3.6.3).
 int CEMailWriter::WriteDestinationFields() {
-    using Size = unsigned int (CMailDoc::*)() const;
-    using Get = const CAddress* (CMailDoc::*)(unsigned int) const;
-    // The document by itself: g++ 12's sanitizer takes a pointer to member behind a captured this for one of the
-    // closure.
-    const auto writeList = [this, &doc = m_doc](const char* name, Size size, Get get, const CAddress* last) {
-        CStringArray list;
-        for (unsigned int i = 0; i < (doc.*size)(); ++i)
-            if (const CAddress* address = (doc.*get)(i); address != nullptr)
-                Append(list, ConvAndEncodeAddress(*address));
-        if (last != nullptr) Append(list, ConvAndEncodeAddress(*last));
-        return list.GetSize() == 0 ? 1 : WriteAddressField(name, list);
-    };
-    CAddress sender;
-    m_doc.GetFromAddress(sender);
-    return writeList("To", &CMailDoc::GetToAddressSize, &CMailDoc::GetToAddress, nullptr) != 0 &&
-           writeList("Cc", &CMailDoc::GetCcAddressSize, &CMailDoc::GetCcAddress, nullptr) != 0 &&
-           // QUIRK: Bcc stays in the message, for all to see (RFC 5322 3.6.3).
-           writeList("Bcc", &CMailDoc::GetBccAddressSize, &CMailDoc::GetBccAddress,
-                     m_doc.GetSenderBccFlg() != 0 ? &sender : nullptr) != 0;
+    for (const RecipientList& list : {kToList, kCcList, kBccList}) {
+        CStringArray texts;
+        ForEachAddress(m_doc, list, [&](const CAddress& address) { Append(texts, ConvAndEncodeAddress(address)); });
+        if (list.at == kBccList.at && m_doc.GetSenderBccFlg() != 0) {
+            CAddress sender;
+            m_doc.GetFromAddress(sender);
+            Append(texts, ConvAndEncodeAddress(sender));
+        }
+        if (texts.GetSize() > 0 && WriteAddressField(list.field, texts) == 0) return 0;
+    }
+    return 1;
 }
 
 int CEMailWriter::WriteIdentityFields() {

@@ -76,10 +76,10 @@ int CEMailWriter::WriteBody(const CString& body, CString& error) {
     if (japanese) {
         CStringArray params;
         params.SetAtGrow(0, CString("charset=") + wire::kIso2022Jp);
-        status = WriteFieldValue("Content-Type", "text/plain", params) != 0 &&
-                 WriteFieldValue("Content-Transfer-Encoding", wire::kBase64) != 0;
+        status = WriteFieldValue(wire::kContentType, wire::kTextPlain, params) != 0 &&
+                 WriteFieldValue(wire::kContentTransferEncoding, wire::kBase64) != 0;
     } else {
-        status = WriteFieldValue("Content-Type", "text/plain");
+        status = WriteFieldValue(wire::kContentType, wire::kTextPlain);
     }
     if (status != 0) {
         WriteBetween(wire::kCrLf);

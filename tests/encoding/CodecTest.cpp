@@ -1,10 +1,10 @@
 // The transfer codecs: Base64 both ways, padding and short groups, buffer limits, decoding in pieces; quoted-printable
 // and percent-hex with good and bad digits.
 #include <climits>
-#include <fuzz/LiteralDecoders.h>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <tests/models/LiteralDecoders.h>
 #include <tuple>
 #include <utility>
 #include <vector>

@@ -1,9 +1,9 @@
 // CLanguage: worked bytes of both directions, half-width kana, cuts, and both conversions against their rules written
 // out one by one.
-#include <fuzz/LiteralConversions.h>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
+#include <tests/models/LiteralConversions.h>
 #include <tuple>
 #include <utility>
 #include <vector>

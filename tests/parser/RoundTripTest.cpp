@@ -1,9 +1,9 @@
 // What the writer writes the parser reads back to the same document.
-#include <fuzz/RoundTrip.h>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <tests/TempFolder.h>
+#include <tests/models/RoundTrip.h>
 
 namespace {
 

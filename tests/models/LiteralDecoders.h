@@ -3,10 +3,10 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fuzz/Require.h>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <tests/models/Require.h>
 
 #include <mailengine/encoding/Base64Stream.h>
 

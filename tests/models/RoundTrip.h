@@ -11,6 +11,7 @@
 #include <vector>
 
 #include <mailengine/encoding/Language.h>
+#include <mailengine/model/Recipients.h>
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/support/FileUtility.h>
 #include <mailengine/support/ProgressCallback.h>
@@ -207,18 +208,13 @@ private:
             m_lost += std::string(what) + ": " + std::to_string(actual) + ", not " + std::to_string(expected) + "\n";
     }
     static CString Line(const CAddress& one) { return one.GetDisplayName() + "<" + one.GetMailAddress() + ">\n"; }
-    static CString To(const CMailDoc& document) {
+    static CString Lines(const CMailDoc& document, const RecipientList& list) {
         CString lines;
-        for (unsigned int i = 0; i < document.GetToAddressSize(); ++i)
-            lines += Line(*document.GetToAddress(i));
+        ForEachAddress(document, list, [&](const CAddress& address) { lines += Line(address); });
         return lines;
     }
-    static CString Cc(const CMailDoc& document) {
-        CString lines;
-        for (unsigned int i = 0; i < document.GetCcAddressSize(); ++i)
-            lines += Line(*document.GetCcAddress(i));
-        return lines;
-    }
+    static CString To(const CMailDoc& document) { return Lines(document, kToList); }
+    static CString Cc(const CMailDoc& document) { return Lines(document, kCcList); }
 
     void CompareTexts(const CMailDoc& actual) {
         CString text, expected;
