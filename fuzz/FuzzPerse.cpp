@@ -25,7 +25,12 @@ void CheckFiles(const CMailDoc& document, const CScratchFolder& folder) {
 
 void Open(const CString& message, CScratchFolder& folder) {
     CMailDoc document;
-    if (CEMailPerser().Perse(message, folder.Path(), document, 0) != 0) CheckFiles(document, folder);
+    MailFault fault;
+    const int result = CEMailPerser().Perse(message, folder.Path(), document, 0, fault);
+    Require((fault.kind == MailFault::Kind::kNone) == (result != 0),
+            "what cannot be read has a fault, and nothing else");
+    Require(fault.offset <= message.View().size(), "a fault lies in the message");
+    if (result != 0) CheckFiles(document, folder);
     folder.CheckAndEmpty();
 }
 

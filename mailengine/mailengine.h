@@ -1,5 +1,6 @@
 // mailengine.h: all that a host may use. Text is code page 932 bytes throughout, and so are paths, with backslashes;
-// every length and offset counts bytes. Everything runs on the host's user-interface thread.
+// every length and offset counts bytes. Everything runs on the host's user-interface thread, but for the classes of
+// static operations, which hold no state, and a parse with a document of its own: these may run on any thread.
 // The headers below are the public ones: those that the CMake file sets of both libraries name and install.
 #pragma once
 
@@ -10,6 +11,7 @@
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/model/Recipients.h>
 #include <mailengine/parser/EMailPerser.h>
+#include <mailengine/parser/MailFault.h>
 #include <mailengine/support/FileUtility.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/support/platform/base/CmdTarget.h>

@@ -24,7 +24,7 @@ std::size_t CBase64Stream::CompleteGroup(std::string_view& piece, unsigned char*
 
 int CBase64Stream::Finish(unsigned char* buffer, std::size_t& written) {
     written = 0;
-    if (m_nTextLength == 1) return 0;
+    if (Refuses(m_nTextLength)) return 0;
     if (m_nWaiting > 0) written = base64::DecodeOddGroup(m_waiting, m_nWaiting, buffer);
     m_nWaiting = 0;
     return 1;

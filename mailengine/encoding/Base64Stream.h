@@ -11,13 +11,15 @@ public:
     static constexpr std::size_t MaxBytes(std::size_t characters) { return (characters + 3) / 4 * 3; }
     // The most bytes that Finish can give.
     static constexpr std::size_t kLastBytes = 2;
+    // Whether a whole text of so many characters is refused: one character has no room for a group.
+    static constexpr bool Refuses(std::size_t characters) { return characters == 1; }
 
     // Decodes the next piece, of any length, into buffer, which has room for MaxBytes(piece.size()). The result is the
     // number of bytes written. A group that the piece does not complete waits for the next one.
     std::size_t Decode(std::string_view piece, unsigned char* buffer);
 
     // Ends the text: puts the bytes of a last group cut short, at most kLastBytes, into buffer and their number into
-    // written. 0: the whole text was one character, which has no room for a group; written is 0.
+    // written. 0: the whole text is refused; written is 0.
     int Finish(unsigned char* buffer, std::size_t& written);
 
 private:

@@ -2,6 +2,7 @@
 // their escape character and in the soft line break. Internal to the codecs; stateless.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
@@ -43,55 +44,74 @@ constexpr unsigned char ByteOf(char first, char second) {
     return static_cast<unsigned char>(first == '+' || IsWhiteSpace(first) ? low : 0);
 }
 
+// Decodes a text that comes in pieces of any length; the pieces' bytes together are those of the whole text. One text,
+// one object.
 template <class Form>
 class Decoder {
 public:
-    // to has room for as many bytes as text has: no step writes more than it reads. The result is the bytes written.
-    static std::size_t Decode(std::string_view text, unsigned char* to) {
+    // to has room for as many bytes as piece has: no step writes more than it reads. The result is the bytes written.
+    // An escape that the piece does not end waits for the next one, and the end of the text gives it up.
+    std::size_t Decode(std::string_view piece, unsigned char* to) {
         std::size_t made = 0;
-        for (std::size_t at = 0; at < text.size();) {
-            const std::size_t run = PlainBytes(text.substr(at));
-            std::memcpy(to + made, text.data() + at, run);
-            made += run;
-            at += run;
-            if (at < text.size()) at = DecodeEscape(text, at + 1, to, made);
+        while (!piece.empty()) {
+            if (m_state == State::kPlain) {
+                const std::size_t run = PlainBytes(piece);
+                std::memcpy(to + made, piece.data(), run);
+                made += run;
+                if (run < piece.size()) m_state = State::kEscape;
+                piece.remove_prefix(std::min(run + 1, piece.size()));
+            } else {
+                made += DecodeEscape(piece, to + made);
+            }
         }
         return made;
     }
 
 private:
+    // kEscape: an escape character was seen; kDigit: and one character behind it, which m_first holds; kLineFeed: the
+    // CR of a soft line break, with which the next byte goes.
+    enum class State { kPlain, kEscape, kDigit, kLineFeed };
+
     static std::size_t PlainBytes(std::string_view text) {
         const std::size_t escape = text.find(Form::kEscape);
         return escape == std::string_view::npos ? text.size() : escape;
     }
 
-    // at lies behind an escape character; the result lies behind what the escape takes. An escape character inside
-    // starts anew, and the end of the text gives the escape up.
-    static std::size_t DecodeEscape(std::string_view text, std::size_t at, unsigned char* to, std::size_t& made) {
-        char first = 0;
-        for (int digits = 0; at < text.size(); ++at) {
-            const char c = text[at];
+    // Takes what belongs to the escape from the top of piece. An escape character inside starts anew. The result is
+    // the bytes written, 0 or 1.
+    std::size_t DecodeEscape(std::string_view& piece, unsigned char* to) {
+        while (!piece.empty()) {
+            const char c = piece.front();
+            piece.remove_prefix(1);
+            if (m_state == State::kLineFeed) {
+                m_state = State::kPlain;
+                return 0;
+            }
             if (c == Form::kEscape) {
-                digits = 0;
+                m_state = State::kEscape;
             } else if (Form::kSoftLineBreaks && c == '\r') {
-                return at + 2;  // the LF goes with its CR
-            } else if (digits == 1) {
-                to[made++] = ByteOf(first, c);
-                return at + 1;
+                m_state = State::kLineFeed;
+            } else if (m_state == State::kDigit) {
+                *to = ByteOf(m_first, c);
+                m_state = State::kPlain;
+                return 1;
             } else {
-                first = c;
-                digits = 1;
+                m_first = c;
+                m_state = State::kDigit;
             }
         }
-        return at;
+        return 0;
     }
+
+    State m_state = State::kPlain;
+    char m_first = 0;
 };
 
 template <class Form>
 int Decode(const CString& text, unsigned char* buffer, unsigned int capacity, unsigned int& written) {
     written = 0;
     if (buffer == nullptr || capacity < text.View().size()) return 0;
-    written = static_cast<unsigned int>(Decoder<Form>::Decode(text.View(), buffer));
+    written = static_cast<unsigned int>(Decoder<Form>().Decode(text.View(), buffer));
     return 1;
 }
 

@@ -1,7 +1,8 @@
 // CEMailPerser: reads a stored Internet message (RFC 5322, MIME by RFC 2045 and 2046) into a CMailDoc, to open it with
 // its attachments extracted to files, or to prepare a reply to it. It keeps no state: one object serves any number of
-// parses, and separate parses run on separate threads with separate documents. Two parses that extract into one folder
-// keep apart by exclusive creation.
+// parses. The rest of the library runs on the host's user-interface thread; a parse may run on any, with a document of
+// its own, which belongs to one thread at a time. Two parses that extract into one folder keep apart by exclusive
+// creation.
 //
 // The message is one CString with CRLF line ends; every offset is a byte count from the first byte of the text given,
 // and -1 is "not found". A text of 2 GiB or more is refused. All searches stop at a NUL. Field values, names and the
@@ -9,13 +10,10 @@
 #pragma once
 
 #include <mailengine/model/MailDoc.h>
+#include <mailengine/parser/MailFault.h>
 #include <mailengine/support/platform/base/Export.h>
 #include <mailengine/support/platform/text/String.h>
 #include <mailengine/support/platform/text/StringArray.h>
-
-namespace parser {
-class CHeaderScan;
-}
 
 class MAILENGINE_API CEMailPerser {
 public:
@@ -24,18 +22,28 @@ public:
     CEMailPerser& operator=(const CEMailPerser&) = default;
     virtual ~CEMailPerser() = default;
 
-    // Fills document from text. The three address lists are cleared first, nothing else is.
+    // Fills document from text. The three address lists are cleared first, nothing else is; what is filled goes through
+    // the document's setters, so it comes back modified, and a host that shows a message as unchanged resets that.
     //
     // bReply 0 opens the message: its attachments become new files directly inside the folder tempPath (code page 932,
-    // without a trailing backslash), the file list is replaced, and To and Cc are taken over, To without repeats.
+    // without a trailing backslash), the file list is replaced, and To and Cc are taken over, To without repeats. From,
+    // Date, Message-ID and References do not reach the document's fields: From and Date stand in its summary alone,
+    // and the others are to be had through PerseHeaderFields.
+    //
     // bReply not 0 prepares a reply: nothing is written and tempPath may be null, the senders become To, the old To
     // joins Cc less who is in To already, and In-Reply-To and References are made from the old message (RFC
-    // 5322 3.6.4).
+    // 5322 3.6.4). The rest is the host's: subject and body are those of the old message, without "Re:" and quote
+    // marks, Reply-To is not looked at, the user's own address may stand in Cc, Cc keeps repeats, the file list stays
+    // the document's, and the new mail's From is the host's to set.
     //
     // 1: the message was read. 0: it has no MIME-Version 1.0 or its parts could not be walked; addresses, subject and
     // summary are filled from the header all the same, body and file list are untouched, and files extracted before
     // the failure stay in the folder. A text too long gives 0 and leaves the document alone.
     int Perse(const CString& text, const char* tempPath, CMailDoc& document, int bReply);
+    // The same, and fault takes the first thing that keeps the message from being read; kNone with 1. What it was
+    // before is gone. A reply has fewer faults than an opening, which also looks at the data of attachments and
+    // writes it. Costs no second walk and no copy of the message.
+    int Perse(const CString& text, const char* tempPath, CMailDoc& document, int bReply, MailFault& fault);
 
     // The subject of the message, decoded; no file is written. 0: as Perse; subject then stays as it was.
     int GetSubject(const CString& text, CString& subject);
@@ -135,10 +143,4 @@ protected:
     int PerseAttachedMail(const CString& text, int start, const char* tempPath, const CString& parameters,
                           const CString& boundary, CStringArray& fileNames, CStringArray* filePaths, int& bodyTop,
                           int& bodyEnd);
-
-private:
-    friend class parser::CHeaderScan;
-    // The fields that reach the document, with their colons, in the order of PerseHeaderFields' arguments.
-    static const int numOfHeaderFieldNames;
-    static const char* const headerFieldNames[];
 };

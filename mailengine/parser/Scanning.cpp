@@ -1,9 +1,7 @@
 #include <algorithm>
 #include <climits>
 
-#include <mailengine/parser/EMailPerser.h>
 #include <mailengine/parser/Scanning.h>
-#include <mailengine/parser/Values.h>
 #include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
@@ -37,9 +35,8 @@ int Find(std::string_view text, std::string_view wanted, int start) {
 }
 
 std::string_view Mid(std::string_view text, int first, int count) {
-    const std::size_t from = static_cast<std::size_t>(std::max(first, 0));
-    if (from >= text.size() || count <= 0) return {};
-    return text.substr(from, static_cast<std::size_t>(count));
+    const std::size_t from = std::min(text.size(), static_cast<std::size_t>(std::max(first, 0)));
+    return text.substr(from, static_cast<std::size_t>(std::max(count, 0)));
 }
 
 std::string_view Mid(std::string_view text, int first) {
@@ -81,26 +78,17 @@ FieldLine FindFieldLine(std::string_view text, int start, std::string_view nameW
     }
 }
 
-bool ParseFieldValue(std::string_view text, int top, std::size_t nameLength, CString& value, int& next) {
+CUnfolded::CUnfolded(std::string_view text, int top) : m_nNext(top) {
     int lineEnd = Find(text, kCrlf, top);
-    next = top;
-    if (lineEnd == -1) return false;
-    std::string_view line = Mid(text, top, lineEnd - std::max(top, 0));
-    std::string unfolded;
-    for (next = lineEnd + 2; IsContinuation(text, next); next = lineEnd + 2) {
-        lineEnd = Find(text, kCrlf, next);
-        if (lineEnd == -1) break;
-        if (unfolded.empty()) unfolded = line;
-        unfolded += TrimLeft(Mid(text, next, lineEnd - next));
-        line = unfolded;
+    m_bRead = lineEnd != -1;
+    if (!m_bRead) return;
+    m_first = Mid(text, top, lineEnd - std::max(top, 0));
+    for (m_nNext = lineEnd + 2; IsContinuation(text, m_nNext); m_nNext = lineEnd + 2) {
+        lineEnd = Find(text, kCrlf, m_nNext);
+        if (lineEnd == -1) return;
+        if (m_strJoined.empty()) m_strJoined = m_first;
+        m_strJoined += TrimLeft(Mid(text, m_nNext, lineEnd - m_nNext));
     }
-    value = DecodeFieldValue(Trim(line.substr(std::min(line.size(), nameLength + 1))));
-    return true;
-}
-
-bool FindField(std::string_view text, int start, std::string_view nameWithColon, CString& value, int& next) {
-    const FieldLine line = FindFieldLine(text, start, nameWithColon);
-    return line.top != -1 && ParseFieldValue(text, line.top, nameWithColon.size() - 1, value, next);
 }
 
 int FindEmptyLine(std::string_view text, int start) {
@@ -120,6 +108,10 @@ CDelimiters::CDelimiters(std::string_view text, std::string_view boundary)
     if (canOverlap) MakeBorders();
 }
 
+std::string_view CDelimiters::Boundary() const {
+    return std::string_view(m_pattern).substr(kCrlf.size() + std::string_view(wire::kDelimiterHyphens).size());
+}
+
 int CDelimiters::FindTop(int start) {
     const int from = std::max(start, 0);
     const bool known = m_nFound != -2 && from >= m_nFrom && (m_nFound == -1 || from <= m_nFound);
@@ -131,9 +123,13 @@ bool CDelimiters::FindNext(int start, Delimiter& found) {
     found.at = FindTop(start);
     if (found.at == -1) return false;
     found.last = StandsAt(m_text, found.at + LengthOf(m_pattern), wire::kDelimiterHyphens);
-    const int lineEnd = Find(m_text, kCrlf, found.at + 1);
-    found.lineEnd = lineEnd == -1 ? LengthOf(m_text) : lineEnd;
+    found.lineEnd = LineEnd(found.at);
     return true;
+}
+
+int CDelimiters::LineEnd(int delimiter) const {
+    const int lineEnd = Find(m_text, kCrlf, delimiter + 1);
+    return lineEnd == -1 ? LengthOf(m_text) : lineEnd;
 }
 
 void CDelimiters::Search(int start) {
@@ -181,39 +177,3 @@ void CDelimiters::MakeBorders() {
 }
 
 }  // namespace parser
-
-int CEMailPerser::FindTopOfLine(const CString& text, int start, const CString& fieldName) {
-    return parser::FindFieldLine(parser::TextOf(text), start, parser::NameOf(fieldName)).top;
-}
-
-int CEMailPerser::PerseFieldValue(const CString& text, int topOfLine, const char* fieldName, CString& value,
-                                  int* next) {
-    int behind = 0;
-    const std::size_t nameLength = CString(fieldName).View().size();
-    const bool read = parser::ParseFieldValue(parser::TextOf(text), topOfLine, nameLength, value, behind);
-    if (next != nullptr) *next = behind;
-    return read ? 1 : 0;
-}
-
-int CEMailPerser::FindField(const CString& text, int start, const char* fieldName, CString& value, int* next) {
-    int behind = next != nullptr ? *next : 0;
-    const CString nameWithColon = CString(fieldName) + ":";
-    const bool read = parser::FindField(parser::TextOf(text), start, nameWithColon.View(), value, behind);
-    if (next != nullptr) *next = behind;
-    return read ? 1 : 0;
-}
-
-int CEMailPerser::FindEmptyLine(const CString& text, int start) {
-    return parser::FindEmptyLine(parser::TextOf(text), start);
-}
-
-int CEMailPerser::FindNextBoundary(const CString& text, int start, const CString& boundary, int& delimiter,
-                                   int& lineEnd, int* last) {
-    parser::Delimiter found;
-    const bool there = parser::CDelimiters(parser::TextOf(text), parser::NameOf(boundary)).FindNext(start, found);
-    delimiter = found.at;
-    if (!there) return 0;
-    lineEnd = found.lineEnd;
-    if (last != nullptr) *last = found.last ? 1 : 0;
-    return 1;
-}

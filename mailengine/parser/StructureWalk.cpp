@@ -1,45 +1,64 @@
 #include <optional>
 
-#include <mailengine/parser/EMailPerser.h>
+#include <mailengine/parser/TransferDecoder.h>
 #include <mailengine/parser/Walk.h>
 #include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
 namespace {
 
-constexpr std::string_view kTransferEncoding = "Content-Transfer-Encoding:";
+using Kind = MailFault::Kind;
 
-int WalkMixedPart(CEntity& entity, int& cur, CDelimiters& delimiters, const Findings& findings) {
-    const ContentType part = entity.GetContentType(cur, cur);
+std::string_view Rest(const Place& place) {
+    return Mid(place.entity.Text(), place.start);
+}
+
+int HeaderEnd(std::string_view text) {
+    const int emptyLine = FindEmptyLine(text, 0);
+    return emptyLine != -1 ? emptyLine : LengthOf(text);
+}
+
+// A part without a name is a text if its type says so, and else nothing that a multipart/mixed may hold.
+int WalkMixedFile(const Place& place, const CString& type, const Findings& findings, Range& range) {
+    CString name = GetFileName(place.parameters.View());
+    if (!name.IsEmpty()) return ExtractFile(place, std::move(name), findings, range);
+    if (IsType(type, "text/plain")) return WalkBody(place, findings, range);
+    return findings.faults.Record(Kind::kPartWithoutName, Rest(place), type.View());
+}
+
+int WalkMixedPart(CEntity& entity, Part& part, CDelimiters& delimiters, const Findings& findings) {
+    int cur = part.top;
+    const ContentType type = entity.GetContentType(cur, cur);
+    const Place place{entity, cur, type.parameters, &delimiters};
     Range range{cur, cur};
-    int result = 0;
-    if (IsType(part.type, "multipart/alternative")) {
-        result = WalkAlternative(entity, cur, part.parameters, findings.body, range);
-    } else if (IsType(part.type, "text/plain")) {
-        const int names = findings.fileNames.GetSize();
-        result = ExtractFile(entity, cur, part.parameters, &delimiters, findings, range);
-        const bool isText = result == 0 && findings.fileNames.GetSize() == names;
-        if (isText) result = WalkBody(entity, cur, part.parameters, &delimiters, findings.body, range);
-    } else if (IsType(part.type, "message/rfc822")) {
-        result = ExtractMail(entity, cur, part.parameters, &delimiters, findings, range);
-    } else {
-        result = ExtractFile(entity, cur, part.parameters, &delimiters, findings, range);
-    }
-    cur = range.end;
+    const int result = IsType(type.type, "multipart/alternative") ? WalkAlternative(place, findings, range)
+                       : IsType(type.type, "message/rfc822")      ? ExtractMail(place, findings, range)
+                                                                  : WalkMixedFile(place, type.type, findings, range);
+    part.walked = range.end;
     return result;
 }
 
 // One part of a multipart/related, which is an entity of any type. The first text that is not empty is the body.
 int WalkRelatedPart(std::string_view text, const Findings& findings) {
-    if (findings.depth >= kMaxNesting) return 0;
+    if (findings.depth >= kMaxNesting) return findings.faults.Record(Kind::kNestsTooDeep, text);
     CString body;
-    const Findings inner{findings.body != nullptr ? &body : nullptr, findings.fileNames, findings.filePaths,
-                         findings.files, findings.depth + 1};
+    const Findings inner{findings.body != nullptr ? &body : nullptr,
+                         findings.fileNames,
+                         findings.filePaths,
+                         findings.files,
+                         findings.faults,
+                         findings.depth + 1};
     CEntity entity(text);
     Range unused;
     const int result = WalkEntity(entity, 0, inner, unused);
     if (inner.body != nullptr && findings.body->IsEmpty()) *findings.body = std::move(body);
     return result;
+}
+
+int WalkImage(const Place& place, const CString& type, const Findings& findings, Range& range) {
+    CString name = GetFileName(place.parameters.View());
+    if (!name.IsEmpty()) return ExtractFile(place, std::move(name), findings, range);
+    return findings.faults.Record(Kind::kImageWithoutName, Rest(place), type.View());
 }
 
 struct EntityBody {
@@ -55,7 +74,7 @@ EntityBody FindBody(std::string_view entity) {
         body.offset = 2;
     } else {
         int behind = 0;
-        FindField(entity, 0, kTransferEncoding, body.encoding, behind);
+        body.encoding = TakeTransferEncoding(entity, behind);
         const int emptyLine = FindEmptyLine(entity, behind);
         if (emptyLine != -1) body.offset = emptyLine + 2;
     }
@@ -64,156 +83,99 @@ EntityBody FindBody(std::string_view entity) {
 }
 
 int DecodeBody(const EntityBody& found, const CString& charset, CString* body) {
-    const Encoding encoding = EncodingOf(found.encoding.View());
-    if (body == nullptr) return RefusesDecoding(found.text, encoding) ? 0 : 1;
-    return DecodeText(found.text, encoding, charset.View(), *body);
+    if (body == nullptr) return CTransferDecoder(found.encoding.View()).Refuses(found.text.size()) ? 0 : 1;
+    return DecodeText(found.text, found.encoding.View(), charset.View(), *body);
 }
 
 }  // namespace
+
+int WalkMail(std::string_view text, const Findings& findings, Range& range) {
+    CString version;
+    int next = 0;
+    int result = 0;
+    if (text.empty()) {
+        findings.faults.Record(Kind::kEmpty, text);
+    } else if (!FindField(text, 0, "MIME-Version:", version, next)) {
+        findings.faults.Record(Kind::kNoMimeVersion, Mid(text, 0, HeaderEnd(text)));
+    } else if (version.View() != "1.0") {
+        findings.faults.Record(Kind::kOtherMimeVersion, text, version.View());
+    } else {
+        CEntity mail(text);
+        result = WalkEntity(mail, next, findings, range);
+    }
+    if (range.top == -1) range.top = HeaderEnd(text);
+    return result;
+}
 
 int WalkEntity(CEntity& entity, int start, const Findings& findings, Range& range) {
     int cur = start;
     const ContentType type = entity.GetContentType(start, cur);
-    if (IsType(type.type, "multipart/related")) return WalkRelated(entity, cur, type.parameters, findings, range);
-    if (IsType(type.type, "multipart/mixed")) return WalkMixed(entity, cur, type.parameters, findings, range);
-    if (IsType(type.type, "multipart/alternative"))
-        return WalkAlternative(entity, cur, type.parameters, findings.body, range);
-    if (IsType(type.type, "text/plain")) return WalkBody(entity, cur, type.parameters, nullptr, findings.body, range);
-    if (StandsAtIgnoringCase(type.type.View(), 0, "image"))
-        return ExtractFile(entity, cur, type.parameters, nullptr, findings, range);
+    const Place place{entity, cur, type.parameters};
+    if (IsType(type.type, "multipart/related")) return WalkRelated(place, findings, range);
+    if (IsType(type.type, "multipart/mixed")) return WalkMixed(place, findings, range);
+    if (IsType(type.type, "multipart/alternative")) return WalkAlternative(place, findings, range);
+    if (IsType(type.type, "text/plain")) return WalkBody(place, findings, range);
+    if (StandsAtIgnoringCase(type.type.View(), 0, "image")) return WalkImage(place, type.type, findings, range);
     range = {cur, entity.Length()};
     return 1;
 }
 
-int WalkMixed(CEntity& entity, int start, const CString& parameters, const Findings& findings, Range& range) {
-    const CString boundary = GetParameter(parameters.View(), "boundary");
-    if (boundary.IsEmpty()) return 0;
-    CDelimiters delimiters(entity.Text(), boundary.View());
-    Delimiter delimiter{-1, start, false};
-    int cur = start;
-    for (bool first = true;; first = false) {
-        const bool found = delimiters.FindNext(cur, delimiter);
-        if (!found || delimiter.last) {
-            range.end = delimiter.lineEnd;
-            return found ? 1 : 0;
-        }
-        cur = delimiter.lineEnd;
-        if (first) range.top = delimiter.at;
-        if (!WalkMixedPart(entity, cur, delimiters, findings)) return 0;
-    }
+int WalkMixed(const Place& place, const Findings& findings, Range& range) {
+    CParts parts(place.entity.Text(), place.start, place.parameters.View(), range, findings.faults);
+    for (Part part; parts.Next(part);)
+        if (!WalkMixedPart(place.entity, part, parts.Delimiters(), findings)) return parts.FailIn(part);
+    return parts.Closed() ? 1 : 0;
 }
 
-int WalkAlternative(CEntity& entity, int start, const CString& parameters, CString* body, Range& range) {
-    const CString boundary = GetParameter(parameters.View(), "boundary");
-    if (boundary.IsEmpty()) return 0;
-    CDelimiters delimiters(entity.Text(), boundary.View());
-    Delimiter delimiter{-1, start, false};
+int WalkAlternative(const Place& place, const Findings& findings, Range& range) {
+    CParts parts(place.entity.Text(), place.start, place.parameters.View(), range, findings.faults);
     std::optional<CString> chosen;  // the parameters of the text part
-    int textOffset = start;
-    bool found = true;
-    for (bool first = true; (found = delimiters.FindNext(delimiter.lineEnd, delimiter)) && !delimiter.last;
-         first = false) {
-        if (first) range.top = delimiter.at;
+    int textTop = 0, textNumber = 0;
+    for (Part part; parts.Next(part);) {
         if (chosen) continue;
-        textOffset = delimiter.lineEnd;
-        const ContentType& part = entity.GetContentType(delimiter.lineEnd, textOffset);
-        if (IsType(part.type, "text/plain")) chosen = part.parameters;
+        textTop = part.top;
+        const ContentType& type = place.entity.GetContentType(part.top, textTop);
+        if (IsType(type.type, "text/plain")) chosen = type.parameters;
+        textNumber = part.number;
     }
-    range.end = delimiter.lineEnd;
-    if (!found) return 0;
+    if (!parts.Closed()) return 0;
     if (!chosen) return 1;
     Range unused;
-    return WalkBody(entity, textOffset, *chosen, &delimiters, body, unused);
+    const int result = WalkBody({place.entity, textTop, *chosen, &parts.Delimiters()}, findings, unused);
+    return result ? result : findings.faults.InPart(textNumber);
 }
 
-int WalkRelated(CEntity& entity, int start, const CString& parameters, const Findings& findings, Range& range) {
-    const CString boundary = GetParameter(parameters.View(), "boundary");
-    if (boundary.IsEmpty()) return 0;
-    CDelimiters delimiters(entity.Text(), boundary.View());
-    Delimiter delimiter{-1, start, false};
-    for (bool first = true;; first = false) {
-        const int partTop = delimiter.lineEnd;
-        const bool found = delimiters.FindNext(partTop, delimiter);
-        range.end = delimiter.lineEnd;
-        if (!found) return 0;
-        if (!first && !WalkRelatedPart(Mid(entity.Text(), partTop, delimiter.at - partTop), findings)) return 0;
-        if (delimiter.last) return 1;
-        if (first) range.top = delimiter.at;
+int WalkRelated(const Place& place, const Findings& findings, Range& range) {
+    CParts parts(place.entity.Text(), place.start, place.parameters.View(), range, findings.faults);
+    for (Part part; parts.Next(part);) {
+        const int end = parts.EndOf(part);
+        if (end == -1) continue;  // nor will the search for the next one find any
+        if (WalkRelatedPart(Mid(place.entity.Text(), part.top, end - part.top), findings)) continue;
+        range.end = parts.Delimiters().LineEnd(end);
+        return findings.faults.InPart(part.number);
     }
+    return parts.Closed() ? 1 : 0;
 }
 
-int WalkBody(CEntity& entity, int start, const CString& parameters, CDelimiters* delimiters, CString* body,
-             Range& range) {
-    const int end = delimiters == nullptr ? entity.Length() : delimiters->FindTop(start);
+int WalkBody(const Place& place, const Findings& findings, Range& range) {
+    const int end = place.delimiters == nullptr ? place.entity.Length() : place.delimiters->FindTop(place.start);
     if (end != -1) range.end = end;
-    const EntityBody found = FindBody(Mid(entity.Text(), start, end - start));
-    range.top = found.offset == -1 ? range.end : start + found.offset;
-    if (body != nullptr) body->Empty();
-    if (end == -1) return 0;
-    return found.text.empty() ? 1 : DecodeBody(found, GetParameter(parameters.View(), "charset"), body);
+    const EntityBody found = FindBody(Mid(place.entity.Text(), place.start, end - place.start));
+    range.top = found.offset == -1 ? range.end : place.start + found.offset;
+    if (findings.body != nullptr) findings.body->Empty();
+    if (end == -1) return FailWithoutEnd(place, place.start, -1, CString(), findings);
+    if (found.text.empty()) return 1;
+    const int result = DecodeBody(found, GetParameter(place.parameters.View(), "charset"), findings.body);
+    return result ? result : findings.faults.Record(Kind::kTextNotDecoded, found.text);
+}
+
+int ReadSubject(std::string_view text, int depth, CFaultLog& faults, CString& subject) {
+    CStringArray unusedNames;
+    CNewFiles noFiles(nullptr);
+    Range range;
+    if (!WalkMail(text, {nullptr, unusedNames, nullptr, noFiles, faults, depth}, range)) return 0;
+    subject = ReadSubjectField(text, range.top);
+    return 1;
 }
 
 }  // namespace parser
-
-namespace {
-
-// Runs one of the walks for an operation that takes and gives everything by argument.
-template <class Run>
-int RunWalk(const CString& text, const char* tempPath, CString& body, CStringArray& fileNames, CStringArray* filePaths,
-            int& bodyTop, int& bodyEnd, Run run) {
-    parser::CEntity entity(parser::TextOf(text));
-    parser::CNewFiles files(tempPath);
-    parser::Range range{bodyTop, bodyEnd};
-    const int result = run(entity, parser::Findings{&body, fileNames, filePaths, files}, range);
-    bodyTop = range.top;
-    bodyEnd = range.end;
-    return result;
-}
-
-}  // namespace
-
-int CEMailPerser::PerseMime(const CString& text, int start, const char* tempPath, CString& body,
-                            CStringArray& fileNames, CStringArray* filePaths, int& bodyTop, int& bodyEnd) {
-    return RunWalk(text, tempPath, body, fileNames, filePaths, bodyTop, bodyEnd,
-                   [&](parser::CEntity& entity, const parser::Findings& findings, parser::Range& range) {
-                       return parser::WalkEntity(entity, start, findings, range);
-                   });
-}
-
-int CEMailPerser::PerseRelated(const CString& text, int start, const char* tempPath, const CString& parameters,
-                               CString& body, CStringArray& fileNames, CStringArray* filePaths, int& bodyTop,
-                               int& bodyEnd) {
-    return RunWalk(text, tempPath, body, fileNames, filePaths, bodyTop, bodyEnd,
-                   [&](parser::CEntity& entity, const parser::Findings& findings, parser::Range& range) {
-                       return parser::WalkRelated(entity, start, parameters, findings, range);
-                   });
-}
-
-int CEMailPerser::PerseMixed(const CString& text, int start, const char* tempPath, const CString& parameters,
-                             CString& body, CStringArray& fileNames, CStringArray* filePaths, int& bodyTop,
-                             int& bodyEnd) {
-    return RunWalk(text, tempPath, body, fileNames, filePaths, bodyTop, bodyEnd,
-                   [&](parser::CEntity& entity, const parser::Findings& findings, parser::Range& range) {
-                       return parser::WalkMixed(entity, start, parameters, findings, range);
-                   });
-}
-
-int CEMailPerser::PerseAlternative(const CString& text, int start, const CString& parameters, CString& body,
-                                   int& bodyTop, int& bodyEnd) {
-    CStringArray names;
-    return RunWalk(text, nullptr, body, names, nullptr, bodyTop, bodyEnd,
-                   [&](parser::CEntity& entity, const parser::Findings& findings, parser::Range& range) {
-                       return parser::WalkAlternative(entity, start, parameters, findings.body, range);
-                   });
-}
-
-int CEMailPerser::PerseBody(const CString& text, int start, const CString& parameters, const CString& boundary,
-                            CString& body, int& bodyTop, int& bodyEnd) {
-    CStringArray names;
-    return RunWalk(text, nullptr, body, names, nullptr, bodyTop, bodyEnd,
-                   [&](parser::CEntity& entity, const parser::Findings& findings, parser::Range& range) {
-                       parser::CDelimiters delimiters(entity.Text(), parser::NameOf(boundary));
-                       parser::CDelimiters* const enclosing = boundary.IsEmpty() ? nullptr : &delimiters;
-                       return parser::WalkBody(entity, start, parameters, enclosing, findings.body, range);
-                   });
-}

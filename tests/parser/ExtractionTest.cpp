@@ -99,17 +99,13 @@ TEST(Extraction, FailsWithoutATrace) {
     const CString missing = folder.Path("missing"), half = folder.Path() + "\x81";  // half would swallow the backslash
     const std::string longName(256, 'n');
     const std::vector<std::tuple<std::string, CString, std::string>> rows = {
-        {Part("n", "Q", "base64"), folder.Path(), "n"},
         {Part(longName, "x"), folder.Path(), longName},
         {Part("n", "x"), missing, "n"},
         {Part("n", "x"), "", "n"},
-        {Part("n", "x"), half, "n"},
-        {"\n--b\nContent-Type: a/b; name=n\n", folder.Path(), "n"},
-        {"\n--b\nContent-Type: message/rfc822; name=m\n\nSubject: no MIME-Version\n\n", folder.Path(), ""}};
+        {Part("n", "x"), half, "n"}};
     for (const auto& [parts, path, name] : rows) {
         const Read read(Message(parts), path, 0);
         EXPECT_EQ(read.result, 0) << parts;
-        EXPECT_EQ(read.summary.Find(" File:") != -1, !name.empty()) << parts;
         EXPECT_NE(read.summary.Find(name.c_str()), -1) << parts;
         EXPECT_TRUE(read.files.empty());
     }

@@ -1,0 +1,162 @@
+#include <charconv>
+#include <map>
+#include <string>
+
+#include <mailengine/parser/Scanning.h>
+#include <mailengine/parser/TransferDecoder.h>
+#include <mailengine/parser/Values.h>
+#include <mailengine/support/Wire.h>
+#include <mailengine/support/platform/text/Characters.h>
+
+namespace parser {
+namespace {
+
+constexpr std::string_view kJapanesePrefix = "iso-2022-jp''";  // RFC 2231 4: charset, no language
+
+// Calls visit with each parameter, name and value up to its ";", until that gives true.
+template <class Visit>
+void VisitParameters(std::string_view parameters, Visit visit) {
+    for (std::string_view rest = Trim(parameters);; rest = TrimLeft(rest)) {
+        const int semicolon = Find(rest, ";", 0);
+        if (visit(semicolon == -1 ? rest : Mid(rest, 0, semicolon)) || semicolon == -1) return;
+        rest.remove_prefix(static_cast<std::size_t>(semicolon) + 1);
+    }
+}
+
+CString ParameterValue(std::string_view value) {
+    value = Trim(value);
+    if (value.starts_with('"')) value.remove_prefix(1);
+    if (value.ends_with('"')) value.remove_suffix(1);
+    return DecodeFieldValue(value);
+}
+
+// Splits "7*=value", the rest of a numbered piece, into number and value. -1: it is no such thing.
+int SplitPiece(std::string_view rest, std::string_view& value) {
+    int number = -1;
+    const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+    const auto digits = static_cast<std::size_t>(end - rest.data());
+    const bool isPlain = error == std::errc() && number >= 0 && rest[0] != '-' && (digits == 1 || rest[0] != '0');
+    if (!isPlain || !rest.substr(digits).starts_with("*=")) return -1;
+    value = rest.substr(digits + 2);
+    return number;
+}
+
+CString DecodeEncodedWord(std::string_view charset, std::string_view encoding, std::string_view text) {
+    CString word;
+    // What a refused word wrote before counts, but a refusal comes before the first byte.
+    (void)DecodeText(text, encoding, charset, word);
+    return word;
+}
+
+// Offset of the double quote that ends the quoted string at the top of text, -1 if none. A backslash in front of a
+// quote takes its meaning, but the second byte of a character is no backslash.
+int FindClosingQuote(std::string_view text) {
+    bool escaped = false;
+    for (std::size_t at = 1, bytes = 1; at < text.size() && text[at] != 0; at += bytes) {
+        bytes = platform::CharacterBytes(text, at);
+        if (text[at] == '"' && !escaped) return static_cast<int>(at);
+        escaped = bytes == 1 && text[at] == '\\';
+    }
+    return -1;
+}
+
+}  // namespace
+
+CString DecodeFieldValue(std::string_view value) {
+    int top = Find(value, "=?", 0);
+    if (top == -1) return CString(value);
+    CString result;
+    int done = 0;
+    for (; top != -1; top = Find(value, "=?", done)) {
+        result += Mid(value, done, top - done);
+        const int charset = top + 2;
+        const int charsetEnd = Find(value, "?", charset);
+        const int encodingEnd = charsetEnd == -1 ? -1 : Find(value, "?", charsetEnd + 1);
+        const int textEnd = encodingEnd == -1 ? -1 : Find(value, "?=", encodingEnd + 1);
+        if (textEnd == -1) {
+            result += Mid(value, charset);
+            return result;
+        }
+        result += DecodeEncodedWord(Mid(value, charset, charsetEnd - charset),
+                                    Mid(value, charsetEnd + 1, encodingEnd - charsetEnd - 1),
+                                    Mid(value, encodingEnd + 1, textEnd - encodingEnd - 1));
+        done = textEnd + 2;
+    }
+    result += Mid(value, done);
+    return result;
+}
+
+ContentType SplitContentType(std::string_view value) {
+    ContentType result;
+    const int semicolon = Find(value, ";", 0);
+    if (semicolon == -1) {
+        result.type = CString(value);
+        if (!IsType(result.type, "text/plain")) result.parameters.Empty();
+        return result;
+    }
+    result.type = CString(TrimRight(Mid(value, 0, semicolon)));
+    result.parameters = CString(TrimLeft(Mid(value, semicolon + 1)));
+    return result;
+}
+
+bool IsType(const CString& type, std::string_view name) {
+    return platform::EqualIgnoringCase(type.View(), name);
+}
+
+CString GetParameter(std::string_view parameters, std::string_view name) {
+    const std::string key = std::string(name) + "=";
+    CString result;
+    VisitParameters(parameters, [&](std::string_view parameter) {
+        if (!StandsAtIgnoringCase(parameter, 0, key)) return false;
+        result = ParameterValue(parameter.substr(key.size()));
+        return true;
+    });
+    return result;
+}
+
+CString GetNumberedParameter(std::string_view parameters, std::string_view name) {
+    const std::string key = std::string(name) + "*";
+    std::map<int, std::string_view> pieces;  // the first of a number counts
+    VisitParameters(parameters, [&](std::string_view parameter) {
+        std::string_view value;
+        const bool isOurs = StandsAtIgnoringCase(parameter, 0, key);
+        const int number = isOurs ? SplitPiece(parameter.substr(key.size()), value) : -1;
+        if (number >= 0) pieces.emplace(number, value);
+        return false;
+    });
+    CString joined;
+    int expected = 0;
+    for (const auto& [number, value] : pieces) {
+        const CString piece = number == expected++ ? ParameterValue(value) : CString();
+        if (piece.IsEmpty()) break;
+        joined += piece;
+    }
+    if (!StandsAtIgnoringCase(joined.View(), 0, kJapanesePrefix)) return joined;
+    CString decoded;
+    (void)DecodeText(joined.View().substr(kJapanesePrefix.size()), "H", wire::kIso2022Jp, decoded);
+    return decoded;
+}
+
+CString GetFileName(std::string_view parameters) {
+    CString name = GetParameter(parameters, "name");
+    if (name.IsEmpty()) name = GetNumberedParameter(parameters, "name");
+    return name;
+}
+
+int NextAddress(std::string_view list, int start, std::string_view& item) {
+    const std::string_view rest = TrimLeft(Mid(list, start));
+    if (rest.empty()) return -1;
+    const int closing = rest.starts_with('"') ? FindClosingQuote(rest) : -1;
+    const int comma = Find(rest, ",", closing == -1 ? 0 : closing + 1);
+    item = comma == -1 ? rest : Mid(rest, 0, comma);
+    return comma == -1 ? LengthOf(list) : LengthOf(list) - LengthOf(rest) + comma + 1;
+}
+
+void AppendAddresses(CString value, CStringArray& list) {
+    value += ',';
+    std::string_view item;
+    for (int at = 0; (at = NextAddress(value.View(), at, item)) != -1;)
+        list.SetAtGrow(list.GetSize(), CString(Trim(item)));
+}
+
+}  // namespace parser
