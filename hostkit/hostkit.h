@@ -15,9 +15,9 @@
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Answer.h>
-#include <hostkit/letter/Attachment.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/Envelope.h>
 #include <hostkit/letter/Letter.h>
-#include <hostkit/letter/MailOutput.h>
 #include <hostkit/letter/OpenedMail.h>
+#include <hostkit/letter/Outcome.h>
+#include <hostkit/letter/SaveLetter.h>

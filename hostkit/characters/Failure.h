@@ -18,6 +18,7 @@ enum class FailureKind {
     SameFile,   // a file would be read while it is written
     Target,     // a place to write to is none, or may not be written
     Output,     // writing failed
+    Delivery,   // a server did not take the mail
     System,     // this machine lacks what the work needs
 };
 

@@ -32,23 +32,23 @@ std::string WithCrlf(const std::string& text) {
     return crlf;
 }
 
-CString MessageOf(const std::string& name, std::string text) {
-    if (HasLfLines(text)) text = WithCrlf(text);
-    CheckSize(name, text.size());
-    return CString(std::move(text));
-}
-
 }  // namespace
+
+CString MessageOf(std::string bytes, const std::string& name) {
+    if (HasLfLines(bytes)) bytes = WithCrlf(bytes);
+    CheckSize(name, bytes.size());
+    return CString(std::move(bytes));
+}
 
 CString ReadMessage(const std::filesystem::path& path) {
     std::error_code none;
     const std::uintmax_t size = std::filesystem::file_size(path, none);
     if (!none) CheckSize(path.native(), size);
-    return MessageOf(path.native(), ReadWhole(path, kMaxMessageBytes));
+    return MessageOf(ReadWhole(path, kMaxMessageBytes), path.native());
 }
 
 CString ReadMessage(int descriptor, const std::string& name) {
-    return MessageOf(name, ReadWhole(descriptor, name, kMaxMessageBytes));
+    return MessageOf(ReadWhole(descriptor, name, kMaxMessageBytes), name);
 }
 
 }  // namespace hostkit

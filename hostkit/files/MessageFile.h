@@ -14,5 +14,7 @@ namespace hostkit {
 // byte for byte. Throws Failure, for a message of 2 GiB or more too.
 HOSTKIT_API CString ReadMessage(const std::filesystem::path& path);
 HOSTKIT_API CString ReadMessage(int descriptor, const std::string& name);
+// The same for a message in memory.
+HOSTKIT_API CString MessageOf(std::string bytes, const std::string& name = {});
 
 }  // namespace hostkit

@@ -25,6 +25,9 @@ public:
     // Without a Commit before it, a file is as it was and nothing new stays.
     ~OutputTarget();
 
+    // How the user named the place.
+    const std::string& Name() const { return m_strShown; }
+
     // Throws Failure if the file status is that of the target, under whatever name: it would be read while it is
     // written.
     void CheckIsNot(const struct stat& status, const Place& where) const;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/Addresses.h>
@@ -119,16 +120,36 @@ std::string_view WithoutLastLineEnds(std::string_view text) {
     return text;
 }
 
-void CleanAnswer(CMailDoc& doc, std::vector<std::string>& warnings) {
-    const std::vector<CAddress> to =
+std::string Lower(std::string_view text) {
+    std::string lower(text);
+    for (char& ch : lower) {
+        if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+    }
+    return lower;
+}
+
+void DropOwn(const std::vector<std::string>& own, std::vector<CAddress>& addresses) {
+    std::erase_if(addresses, [&](const CAddress& address) {
+        const std::string mailAddress = Lower(address.GetMailAddress().View());
+        return std::any_of(own.begin(), own.end(), [&](const std::string& one) { return Lower(one) == mailAddress; });
+    });
+}
+
+void SetRecipients(const AnswerOptions& options, CMailDoc& doc, std::vector<std::string>& warnings) {
+    std::vector<CAddress> to =
         CleanAddresses(AddressesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress), warnings);
-    const std::vector<CAddress> cc =
+    std::vector<CAddress> cc =
         CleanAddresses(AddressesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress), warnings);
+    const bool hasSender = !to.empty();
+    DropOwn(options.own, to);
+    DropOwn(options.own, cc);
+    if (hasSender && to.empty())
+        to.swap(cc);
+    else if (options.audience == Audience::Sender)
+        cc.clear();
     doc.ClearToAddresses();
     doc.ClearCcAddresses();
     if (!doc.AddToAddresses(to) || !doc.AddCcAddresses(cc)) throw std::bad_alloc();
-    CleanSubject(doc);
-    CleanReferences(doc);
 }
 
 // The old mail as the answer shows it: its summary, and its body with "> " on each line. Lines end in CRLF, the last
@@ -163,20 +184,24 @@ void SetAnswerBody(CMailDoc& doc, const CString& answer, const CString& quoted) 
 
 }  // namespace
 
-void PrepareAnswer(const CString& mail, const std::string& name, const Letter& letter, CMailDoc& doc,
-                   std::vector<std::string>& warnings) {
+std::vector<std::string> PrepareAnswer(const CString& mail, const Letter& letter, CMailDoc& doc,
+                                       const AnswerOptions& options) {
     if (!CEMailPerser().Perse(mail, nullptr, doc, 1)) {
         const WorkFolder folder;
-        throw Failure(FailureKind::Message, {Field::None, name},
+        throw Failure(FailureKind::Message, {Field::None, options.name},
                       Diagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
     }
     const CString quoted = QuotedMail(doc);
-    CleanAnswer(doc, warnings);
+    std::vector<std::string> warnings;
+    SetRecipients(options, doc, warnings);
+    CleanSubject(doc);
+    CleanReferences(doc);
     doc.SetBody("");
     letter.Fill(doc);
     CString answer;
     doc.GetBody(answer);
     SetAnswerBody(doc, answer, quoted);
+    return warnings;
 }
 
 }  // namespace hostkit

@@ -11,11 +11,24 @@
 
 namespace hostkit {
 
-// Makes doc, which is new, the answer to mail (with CRLF line ends): its recipients, subject with "Re: ", thread, and
-// the old mail quoted, filled by what letter was given. What a Japanese mail cannot carry of the old mail becomes 〓;
-// addresses that could not be sent to are left out, with a warning for each. name names the mail in a failure. Throws
-// Failure.
-HOSTKIT_API void PrepareAnswer(const CString& mail, const std::string& name, const Letter& letter, CMailDoc& doc,
-                               std::vector<std::string>& warnings);
+enum class Audience {
+    Sender,  // who wrote the mail
+    All,     // its other recipients too, in Cc
+};
+
+struct AnswerOptions {
+    Audience audience = Audience::All;
+    // The user's own mail addresses (user@host, in any case), which get no answer. One to a mail of their own goes to
+    // its recipients.
+    std::vector<std::string> own{};
+    std::string name{};  // of the answered mail, for a failure
+};
+
+// Makes doc, which is new, the answer to mail, which ReadMessage or MessageOf gave: its recipients, subject with "Re:
+// ", thread, and the old mail quoted below its summary; then letter is filled in, its body beside the quoted mail. What
+// a Japanese mail cannot carry of the old mail becomes 〓. The result warns of each address that is left out, because
+// it could not be sent to. Throws Failure.
+HOSTKIT_API std::vector<std::string> PrepareAnswer(const CString& mail, const Letter& letter, CMailDoc& doc,
+                                                   const AnswerOptions& options = {});
 
 }  // namespace hostkit

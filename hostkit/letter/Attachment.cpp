@@ -55,9 +55,14 @@ CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path) {
     return file;
 }
 
-void CheckAreNotTarget(const std::vector<std::filesystem::path>& attachments, const OutputTarget& target) {
-    for (const std::filesystem::path& path : attachments)
-        target.CheckIsNot(StatusOf(path), Named(path));
+void CheckAreNotTarget(const CMailDoc& doc, const OutputTarget& target) {
+    std::vector<CMailDoc::FileInfo> files;
+    doc.GetFiles(files);
+    for (const CMailDoc::FileInfo& file : files) {
+        const std::string path = platform::ToNativePath(file.Path);
+        struct stat status;
+        if (stat(path.c_str(), &status) == 0) target.CheckIsNot(status, Named(path));
+    }
 }
 
 }  // namespace hostkit

@@ -13,7 +13,8 @@ namespace hostkit {
 // quotes as it is (RFC 2183 2.3), so it may hold no double quote and no control character.
 CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path);
 
-// Throws Failure if one of the files is the one that target writes, whatever the spelling and the links.
-HOSTKIT_API void CheckAreNotTarget(const std::vector<std::filesystem::path>& attachments, const OutputTarget& target);
+// Throws Failure if one of the document's attachments is the file that target writes, whatever the spelling and the
+// links.
+void CheckAreNotTarget(const CMailDoc& doc, const OutputTarget& target);
 
 }  // namespace hostkit

@@ -3,8 +3,10 @@
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/letter/Envelope.h>
+#include <hostkit/letter/ProgressOperation.h>
 
 #include <mailengine/support/ProgressCallback.h>
+#include <mailengine/transport/MailSendRecv.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace hostkit {
@@ -93,12 +95,31 @@ void CheckEnvelope(const CMailDoc& doc) {
     }
 }
 
-std::uint64_t MessageBytes(CMailDoc& doc) {
+std::uint64_t MessageBytes(const CMailDoc& doc) {
     CountingStream size;
     CProgressCallback progress("", 0, nullptr);
     CString error;
     if (!CEMailWriter(&size, doc, progress).Write(error)) throw Failure(FailureKind::Input, {}, OneLine(error));
     return size.Bytes();
+}
+
+Outcome SendLetter(const CMailDoc& doc, const Progress& progress) {
+    try {
+        CheckEnvelope(doc);
+        ProgressOperation operation("送信中", doc.GetMailSize(), progress);
+        CString error;
+        if (CMailSendRecv::SendWhole(doc, operation.Engine(), error)) {
+            operation.Complete();
+            return {};
+        }
+        if (operation.IsCancelled()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
+        const std::string reason = LineShown(error.View());
+        throw Failure(FailureKind::Delivery, {},
+                      reason.empty() ? "the server closed the connection without a reason; the mail was not sent"
+                                     : "the mail was not sent: " + reason);
+    } catch (const Failure& failure) {
+        return {Outcome::State::Failed, failure.what(), {}, failure};
+    }
 }
 
 }  // namespace hostkit

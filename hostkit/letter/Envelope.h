@@ -1,8 +1,8 @@
-// Envelope: what a mail server is told of a mail. Stateless; any thread.
+// Envelope: what a mail server is told of a mail, and the way to it. One thread, that of the engine.
 #pragma once
 
 #include <cstdint>
-#include <hostkit/characters/Export.h>
+#include <hostkit/letter/Outcome.h>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +23,9 @@ HOSTKIT_API std::vector<std::string> RecipientsOf(const CMailDoc& doc);
 HOSTKIT_API void CheckEnvelope(const CMailDoc& doc);
 
 // The bytes of the message. Throws Failure if it cannot be written.
-HOSTKIT_API std::uint64_t MessageBytes(CMailDoc& doc);
+HOSTKIT_API std::uint64_t MessageBytes(const CMailDoc& doc);
+
+// Sends the mail to its server: the recipients get all of it or nothing. The outcome tells what the server said.
+HOSTKIT_API Outcome SendLetter(const CMailDoc& doc, const Progress& progress = {});
 
 }  // namespace hostkit

@@ -11,6 +11,7 @@ using Text = std::optional<std::string>;
 
 std::vector<CAddress> AddressesIn(const std::vector<std::string>& texts, Missing missing, Field field) {
     std::vector<CAddress> addresses;
+    addresses.reserve(texts.size());
     for (const std::string& text : texts)
         addresses.push_back(AddressOf(text, missing, field));
     return addresses;

@@ -1,4 +1,4 @@
-// OpenedMail: a stored message, opened. One thread.
+// OpenedMail: a stored message, opened. All texts are UTF-8, with U+FFFD for what is no text. One thread.
 #pragma once
 
 #include <cstdint>
@@ -7,33 +7,38 @@
 #include <string>
 #include <vector>
 
-#include <mailengine/model/MailDoc.h>
-#include <mailengine/support/platform/text/StringArray.h>
+#include <mailengine/support/platform/text/String.h>
 
 namespace hostkit {
 
+struct MailAddress {
+    std::string name;     // empty: it has none
+    std::string address;  // user@host
+};
+
+// Values of a mail can hold any control character; LineShown and BodyShown (hostkit/characters/MailText.h) make them
+// fit for a terminal.
 struct OpenedMail {
     struct File {
-        CString name;      // for people
-        std::string path;  // empty if the file is gone
+        std::string name;            // for people
+        std::filesystem::path path;  // empty: nobody asked for the file
         std::uintmax_t size = 0;
     };
 
-    CMailDoc doc;
+    std::string subject, date, messageId, references;
+    std::vector<MailAddress> from, to, cc, replyTo;
+    std::string body;          // its lines end as they came, which is CRLF in most mails
+    std::string header;        // the header block as it stands
+    std::string summary;       // the header as people read it above a quoted mail
+    std::string shownSummary;  // the same for a screen: LF ends a line, and no value breaks into a second one
     std::vector<File> files;
-    // What the parser reads in the header and keeps for a summary or a reply.
-    CStringArray from, to, cc;
-    CString messageId, references, date;
-    CString header;     // the header block as it stands
-    std::string fault;  // empty: all was read
+    std::string fault;  // empty: all was read. Else why not, in one line that goes on from the message's name; the
+                        // header's values are there all the same, body and files are not.
 };
 
-// Opens mail (with CRLF line ends) into opened. The attachments become files in folder, the user's, or, where it is
-// null, in a folder that is gone when this returns. Throws Failure if a folder cannot be had.
-HOSTKIT_API void OpenMail(const CString& mail, const std::filesystem::path* folder, OpenedMail& opened);
-
-// The summary of the header for a screen, in UTF-8 with LF, each value on its line: a decoded line end would show lines
-// that the header does not have.
-HOSTKIT_API std::string SummaryShown(const OpenedMail& opened);
+// Opens mail, which ReadMessage or MessageOf gave. The attachments become new files in folder, which is made if it is
+// missing; without a folder they are listed with name and size alone. No file that stands there is replaced. Throws
+// Failure if a folder cannot be had.
+HOSTKIT_API OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder = {});
 
 }  // namespace hostkit

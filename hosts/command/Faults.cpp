@@ -1,7 +1,5 @@
 #include "Faults.h"
 
-#include <hostkit/characters/Failure.h>
-
 #include "Terminal.h"
 
 namespace {
@@ -65,6 +63,12 @@ int Fail(const std::string& text, int status) {
 }
 
 }  // namespace
+
+void CheckDone(const hostkit::Outcome& outcome) {
+    if (outcome.failure) throw *outcome.failure;
+    if (!outcome) throw CFailure(outcome.text, kExitCancelled);
+    if (!outcome.text.empty()) terminal::Warn(outcome.text);
+}
 
 int ReportFault() {
     try {

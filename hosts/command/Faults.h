@@ -1,6 +1,7 @@
 // Faults: what ends a command, and how the user is told. One thread.
 #pragma once
 
+#include <hostkit/letter/Outcome.h>
 #include <stdexcept>
 #include <string>
 
@@ -20,6 +21,10 @@ public:
 private:
     int m_nStatus;
 };
+
+// Warns of what the outcome's text says. Throws for a work that was not done: the outcome's failure, or a CFailure for
+// one that was cancelled.
+void CheckDone(const hostkit::Outcome& outcome);
 
 // Tells the user, in one line on stderr and with the options that are at fault, of the exception that is being handled,
 // and gives the exit status for it.

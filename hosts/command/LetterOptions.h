@@ -13,7 +13,6 @@ public:
     // What was given, and the text of the body file if one was named. Throws hostkit::Failure if that cannot be read.
     hostkit::Letter Letter() const;
 
-    const std::vector<std::filesystem::path>& Attachments() const { return m_letter.attachments; }
     // Whether the body comes from standard input.
     bool ReadsStandardInput() const { return m_strBodyFile == "-"; }
 

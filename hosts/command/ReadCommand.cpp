@@ -21,6 +21,7 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
 }
 
 int CReadCommand::Run() const {
+    if (m_strFolder && m_strFolder->empty()) throw CFailure("--extract '': names no folder; give one", kExitUsage);
     int status = 0;
     for (const std::string& path : m_strFiles.empty() ? std::vector<std::string>{"-"} : m_strFiles) {
         try {
@@ -34,9 +35,7 @@ int CReadCommand::Run() const {
 }
 
 void CReadCommand::Read(const std::string& path) const {
-    const std::filesystem::path folder = m_strFolder.value_or("");
-    hostkit::OpenedMail opened;
-    hostkit::OpenMail(MessageAt(path), m_strFolder ? &folder : nullptr, opened);
+    const hostkit::OpenedMail opened = hostkit::OpenMail(MessageAt(path), m_strFolder.value_or(""));
     if (m_bJson) {
         terminal::Put(JsonOfMail(opened, m_bHeaders, path));
     } else {

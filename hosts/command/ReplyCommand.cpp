@@ -1,8 +1,7 @@
 #include "ReplyCommand.h"
 
 #include <hostkit/letter/Answer.h>
-#include <hostkit/letter/Attachment.h>
-#include <hostkit/letter/MailOutput.h>
+#include <hostkit/letter/SaveLetter.h>
 
 #include "CommandLine.h"
 #include "Faults.h"
@@ -12,9 +11,7 @@ void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc
     if (file == "-" && options.ReadsStandardInput())
         throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
     const CString mail = MessageAt(file);
-    std::vector<std::string> warnings;
-    hostkit::PrepareAnswer(mail, NameOfInput(file), options.Letter(), doc, warnings);
-    for (const std::string& warning : warnings)
+    for (const std::string& warning : hostkit::PrepareAnswer(mail, options.Letter(), doc, {.name = NameOfInput(file)}))
         terminal::Warn(warning);
 }
 
@@ -38,14 +35,9 @@ int CReplyCommand::Run() const {
     if (doc.GetToAddressSize() == 0) terminal::Warn("the answered mail names no sender; give --to");
 
     const std::unique_ptr<hostkit::OutputTarget> target = TargetAt(m_strOutput);
-    CheckFiles(*target);
-    terminal::Warn(hostkit::WriteMail(doc, *target));
-    return 0;
-}
-
-void CReplyCommand::CheckFiles(const hostkit::OutputTarget& target) const {
-    hostkit::CheckAreNotTarget(m_letter.Attachments(), target);
     struct stat status;
     if (m_strFile != "-" && stat(m_strFile.c_str(), &status) == 0)
-        target.CheckIsNot(status, {hostkit::Field::None, m_strFile});
+        target->CheckIsNot(status, {hostkit::Field::None, m_strFile});
+    CheckDone(hostkit::SaveLetter(doc, *target));
+    return 0;
 }

@@ -1,8 +1,6 @@
 // CReplyCommand: mailengine reply, a mail that answers another.
 #pragma once
 
-#include <hostkit/files/OutputTarget.h>
-
 #include "Command.h"
 #include "LetterOptions.h"
 
@@ -16,8 +14,6 @@ public:
     int Run() const override;
 
 private:
-    void CheckFiles(const hostkit::OutputTarget& target) const;
-
     CLetterOptions m_letter;
     std::string m_strFile;
     std::string m_strOutput;

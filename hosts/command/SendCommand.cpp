@@ -1,21 +1,16 @@
 #include "SendCommand.h"
 
-#include <cstdint>
-#include <hostkit/characters/CodePage.h>
-#include <hostkit/characters/MailText.h>
 #include <hostkit/letter/Envelope.h>
 #include <iostream>
-
-#include <mailengine/mailengine.h>
 
 #include "Faults.h"
 #include "ReplyCommand.h"
 #include "Terminal.h"
-#include "TerminalWindows.h"
+#include "TerminalProgress.h"
 
 namespace {
 
-void PrintEnvelope(CMailDoc& doc) {
+void PrintEnvelope(const CMailDoc& doc) {
     const std::uint64_t bytes = hostkit::MessageBytes(doc);
     terminal::Put("sender: " + hostkit::SenderOf(doc) + '\n');
     for (const std::string& recipient : hostkit::RecipientsOf(doc))
@@ -25,25 +20,11 @@ void PrintEnvelope(CMailDoc& doc) {
 }
 
 void Send(const CMailDoc& doc, bool quiet) {
-    CString error;
-    int sent = 0;
-    bool cancelled = false;
     {
-        CTerminalWindows terminal(quiet);
-        CProgressCallback progress(hostkit::ToCodePage("送信中", hostkit::Extent::Line, hostkit::Missing::Refuse, {}),
-                                   1, nullptr);
-        progress.Start(doc.GetMailSize());
-        sent = CMailSendRecv::SendWhole(doc, progress, error);
-        cancelled = !sent && progress.UserCanceled();
+        CTerminalProgress progress("送信中", quiet);
+        CheckDone(hostkit::SendLetter(doc, [&](int percent) { return progress.Show(percent); }));
     }
-    if (sent) {
-        if (!quiet) std::cerr << "送信しました。\n" << std::flush;
-        return;
-    }
-    if (cancelled) throw CFailure("cancelled; the mail was not sent", kExitCancelled);
-    const std::string reason = hostkit::LineShown(error.View());
-    throw CFailure(reason.empty() ? "the server closed the connection without a reason; the mail was not sent"
-                                  : "the mail was not sent: " + reason);
+    if (!quiet) std::cerr << "送信しました。\n" << std::flush;
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ void terminal::Complain(const std::string& text) {
 }
 
 void terminal::Warn(const std::string& text) {
-    if (!text.empty()) Complain("warning: " + text);
+    Complain("warning: " + text);
 }
 
 void terminal::Put(const std::string& text) {

@@ -7,7 +7,7 @@ namespace terminal {
 
 // One line on standard error, "mailengine: text", behind all that was put out before.
 void Complain(const std::string& text);
-// The same, as a warning; nothing for an empty text.
+// The same, as a warning.
 void Warn(const std::string& text);
 // Text of an answer. Its control characters must be harmless already.
 void Put(const std::string& text);

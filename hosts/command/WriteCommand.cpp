@@ -1,10 +1,9 @@
 #include "WriteCommand.h"
 
-#include <hostkit/letter/Attachment.h>
-#include <hostkit/letter/MailOutput.h>
+#include <hostkit/letter/SaveLetter.h>
 
 #include "CommandLine.h"
-#include "Terminal.h"
+#include "Faults.h"
 
 CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Write a mail to a message file") {
     m_letter.AddTo(*m_pCommand);
@@ -17,11 +16,8 @@ CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Wr
 }
 
 int CWriteCommand::Run() const {
-    const hostkit::Letter letter = m_letter.Letter();
     CMailDoc doc;
-    letter.Fill(doc);
-    const std::unique_ptr<hostkit::OutputTarget> target = TargetAt(m_strOutput);
-    hostkit::CheckAreNotTarget(letter.attachments, *target);
-    terminal::Warn(hostkit::WriteMail(doc, *target));
+    m_letter.Letter().Fill(doc);
+    CheckDone(hostkit::SaveLetter(doc, *TargetAt(m_strOutput)));
     return 0;
 }

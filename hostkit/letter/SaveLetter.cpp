@@ -2,7 +2,9 @@
 #include <filesystem>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/files/InputFile.h>
-#include <hostkit/letter/MailOutput.h>
+#include <hostkit/letter/Attachment.h>
+#include <hostkit/letter/ProgressOperation.h>
+#include <hostkit/letter/SaveLetter.h>
 
 #include <mailengine/mailengine.h>
 
@@ -37,18 +39,45 @@ std::string ReasonNotReadable(const CMailDoc& doc) {
     return std::filesystem::file_size(last, error) == 0 && !error ? last + " is empty and the last attachment" : "";
 }
 
-}  // namespace
-
-std::string WriteMail(CMailDoc& doc, OutputTarget& target) {
+// The new file goes with its target, so nothing stays of a message that was cancelled.
+Outcome Save(const CMailDoc& doc, OutputTarget& target, const Progress& progress) {
+    CheckAreNotTarget(doc, target);
     COutputStream& stream = target.Open();
-    CProgressCallback progress("", 0, nullptr);
+    ProgressOperation operation("保存中", doc.GetMailSize(), progress);
     CString error;
-    const int written = CEMailWriter(&stream, doc, progress).Write(error);
+    const int written = CEMailWriter(&stream, doc, operation.Engine()).Write(error);
+    if (written) operation.Complete();
+    if (!written && operation.IsCancelled())
+        return {Outcome::State::Cancelled, "cancelled; the mail was not written", target.Name()};
     target.CheckWritten();
     if (!written) throw Failure(FailureKind::Input, {}, OneLine(error));
     target.Commit();
     const std::string reason = ReasonNotReadable(doc);
-    return reason.empty() ? "" : "mailengine cannot read this mail again: " + reason;
+    return {Outcome::State::Done, reason.empty() ? "" : "mailengine cannot read this mail again: " + reason,
+            target.Name()};
+}
+
+Outcome Failed(const Failure& failure, const std::filesystem::path& file) {
+    return {Outcome::State::Failed, failure.what(), file, failure};
+}
+
+}  // namespace
+
+Outcome SaveLetter(const CMailDoc& doc, const std::filesystem::path& file, const Progress& progress) {
+    try {
+        OutputTarget target(file);
+        return Save(doc, target, progress);
+    } catch (const Failure& failure) {
+        return Failed(failure, file);
+    }
+}
+
+Outcome SaveLetter(const CMailDoc& doc, OutputTarget& target, const Progress& progress) {
+    try {
+        return Save(doc, target, progress);
+    } catch (const Failure& failure) {
+        return Failed(failure, target.Name());
+    }
 }
 
 }  // namespace hostkit
