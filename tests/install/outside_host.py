@@ -1,5 +1,6 @@
 """Installs the library into an empty folder, builds README's program against that copy, once through the CMake package
-and once through pkg-config, runs both, and reads the message that they wrote with Python's own mail package."""
+and once through pkg-config, runs both, and reads the message that they wrote with Python's own mail package. README's
+other listings are compiled."""
 import argparse
 import email
 import email.policy
@@ -20,9 +21,9 @@ def run(*command, **more):
     return subprocess.run([str(word) for word in command], check=True, text=True, **more)
 
 
-def readme_program():
+def readme_listings():
     text = pathlib.Path(args.source, "README.md").read_text(encoding="utf-8")
-    return re.search(r"```cpp\n(.*?)```", text, re.S).group(1)
+    return re.findall(r"```cpp\n(.*?)```", text, re.S)
 
 
 def check_headers(include, umbrella):
@@ -40,7 +41,7 @@ def check_headers(include, umbrella):
 def build_with_cmake(scratch, prefix):
     host = scratch / "host"
     host.mkdir()
-    (host / "main.cpp").write_text(readme_program(), encoding="utf-8")
+    (host / "main.cpp").write_text("\n".join(readme_listings()), encoding="utf-8")
     shutil.copy(pathlib.Path(args.source, "tests/install/host/CMakeLists.txt"), host)
     run(args.cmake, "-G", "Ninja", "-S", host, "-B", host / "build", f"-DCMAKE_PREFIX_PATH={prefix}",
         f"-DCMAKE_CXX_COMPILER={args.cxx}", stdout=subprocess.DEVNULL)
