@@ -15,8 +15,8 @@ public:
 
     std::int64_t Time() override { return time; }
     int LocalTime(std::int64_t, LocalFields& out) override {
-        if (timeKnown) out = fields;
-        return timeKnown ? 1 : 0;
+        out = fields;
+        return 1;
     }
     std::uint32_t ProcessId() override { return 4660; }
     int HostName(char* buffer, int size) override {
@@ -28,7 +28,6 @@ public:
 
     std::int64_t time = 0x6AFE5149;  // 2026-11-19 10:30:49 in Japan
     LocalFields fields = {2026, 11, 19, 10, 30, 49, 4, -32400};
-    bool timeKnown = true;
     const char* hostName = "pc.example.test";
     std::vector<unsigned int> sleeps;
 

@@ -40,23 +40,6 @@ TEST(MailDocLetter, JoinsThePartsThatAreThere) {
     }
 }
 
-TEST(MailDocFields, ANewDocumentIsEmptyAndMadeByItsClassName) {
-    std::unique_ptr<CMailDoc> doc(CMailDoc::Create());
-    CString server("old");
-    std::int32_t port = 0;
-    doc->GetSendServer(server, port);
-    EXPECT_EQ(server, "");
-    EXPECT_EQ(port, 25);
-    EXPECT_EQ(doc->IsModified(), 0);
-    doc->SetBody(CString("a\0b", 3));
-    EXPECT_EQ(doc->GetBodySize(), 3u);
-    doc->SetSubject("");
-    EXPECT_EQ(doc->IsModified(), 1);
-    EXPECT_STREQ(doc->GetRuntimeClass()->m_lpszClassName, "CMailDoc");
-    std::unique_ptr<CObject> made(doc->GetRuntimeClass()->m_pfnCreateObject());
-    EXPECT_NE(dynamic_cast<CMailDoc*>(made.get()), nullptr);
-}
-
 TEST(MailDocAddresses, KeepsCopiesInOrder) {
     CMailDoc doc;
     CAddress address("g", "n", "a@b");

@@ -188,14 +188,6 @@ TEST_F(EMailWriter, NamesEveryMissingFileBeforeItWritesAByte) {
     EXPECT_TRUE(m_stream.calls.empty());
 }
 
-TEST_F(EMailWriter, TellsThatTheTimeIsUnknown) {
-    m_doc.AddToAddress(CAddress("", "", "a@b"));
-    m_system.timeKnown = false;
-    EXPECT_EQ(Write(), 0);
-    EXPECT_EQ(m_error, texts::kHeaderFailed);
-    EXPECT_EQ(m_stream.Text(), "From: \r\nTo: a@b\r\n");
-}
-
 // The stream takes nothing from its n-th call on, for each n: the result, the text for the user and what went out
 // before must fit the place.
 TEST_F(EMailWriter, StopsAtTheFirstFailedCall) {
