@@ -1,13 +1,26 @@
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include <mailengine/parser/Fields.h>
+#include <mailengine/support/Wire.h>
 
 namespace parser {
 namespace {
 
-constexpr std::string_view kContentType = "Content-Type:";
-constexpr std::string_view kTransferEncoding = "Content-Transfer-Encoding:";
+// A field's name as it stands at a line top, with its colon.
+template <std::size_t size>
+constexpr std::array<char, size> WithColon(const char (&name)[size]) {
+    std::array<char, size> field{};
+    std::copy_n(name, size - 1, field.begin());
+    field.back() = ':';
+    return field;
+}
+
+constexpr auto kContentTypeTop = WithColon(wire::kContentType);
+constexpr auto kTransferEncodingTop = WithColon(wire::kContentTransferEncoding);
+constexpr std::string_view kContentType(kContentTypeTop.data(), kContentTypeTop.size());
+constexpr std::string_view kTransferEncoding(kTransferEncodingTop.data(), kTransferEncodingTop.size());
 
 // What a header field is called, and where its value goes.
 struct Row {

@@ -2,6 +2,7 @@
 
 #include <mailengine/parser/TransferDecoder.h>
 #include <mailengine/parser/Walk.h>
+#include <mailengine/support/Wire.h>
 #include <mailengine/support/platform/text/Characters.h>
 
 namespace parser {
@@ -22,7 +23,7 @@ int HeaderEnd(std::string_view text) {
 int WalkMixedFile(const Place& place, const CString& type, const Findings& findings, Range& range) {
     CString name = GetFileName(place.parameters.View());
     if (!name.IsEmpty()) return ExtractFile(place, std::move(name), findings, range);
-    if (IsType(type, "text/plain")) return WalkBody(place, findings, range);
+    if (IsType(type, wire::kTextPlain)) return WalkBody(place, findings, range);
     return findings.faults.Record(Kind::kPartWithoutName, Rest(place), type.View());
 }
 
@@ -32,7 +33,7 @@ int WalkMixedPart(CEntity& entity, Part& part, CDelimiters& delimiters, const Fi
     const Place place{entity, cur, type.parameters, &delimiters};
     Range range{cur, cur};
     const int result = IsType(type.type, "multipart/alternative") ? WalkAlternative(place, findings, range)
-                       : IsType(type.type, "message/rfc822")      ? ExtractMail(place, findings, range)
+                       : IsType(type.type, wire::kAttachedMail)   ? ExtractMail(place, findings, range)
                                                                   : WalkMixedFile(place, type.type, findings, range);
     part.walked = range.end;
     return result;
@@ -112,9 +113,9 @@ int WalkEntity(CEntity& entity, int start, const Findings& findings, Range& rang
     const ContentType type = entity.GetContentType(start, cur);
     const Place place{entity, cur, type.parameters};
     if (IsType(type.type, "multipart/related")) return WalkRelated(place, findings, range);
-    if (IsType(type.type, "multipart/mixed")) return WalkMixed(place, findings, range);
+    if (IsType(type.type, wire::kMultipartMixed)) return WalkMixed(place, findings, range);
     if (IsType(type.type, "multipart/alternative")) return WalkAlternative(place, findings, range);
-    if (IsType(type.type, "text/plain")) return WalkBody(place, findings, range);
+    if (IsType(type.type, wire::kTextPlain)) return WalkBody(place, findings, range);
     if (StandsAtIgnoringCase(type.type.View(), 0, "image")) return WalkImage(place, type.type, findings, range);
     range = {cur, entity.Length()};
     return 1;
@@ -135,7 +136,7 @@ int WalkAlternative(const Place& place, const Findings& findings, Range& range) 
         if (chosen) continue;
         textTop = part.top;
         const ContentType& type = place.entity.GetContentType(part.top, textTop);
-        if (IsType(type.type, "text/plain")) chosen = type.parameters;
+        if (IsType(type.type, wire::kTextPlain)) chosen = type.parameters;
         textNumber = part.number;
     }
     if (!parts.Closed()) return 0;

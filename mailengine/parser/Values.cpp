@@ -91,7 +91,7 @@ ContentType SplitContentType(std::string_view value) {
     const int semicolon = Find(value, ";", 0);
     if (semicolon == -1) {
         result.type = CString(value);
-        if (!IsType(result.type, "text/plain")) result.parameters.Empty();
+        if (!IsType(result.type, wire::kTextPlain)) result.parameters.Empty();
         return result;
     }
     result.type = CString(TrimRight(Mid(value, 0, semicolon)));

@@ -5,6 +5,7 @@
 
 #include <string_view>
 
+#include <mailengine/support/Wire.h>
 #include <mailengine/support/platform/text/String.h>
 #include <mailengine/support/platform/text/StringArray.h>
 
@@ -15,7 +16,7 @@ CString DecodeFieldValue(std::string_view value);
 
 // The value of a Content-Type field taken apart; what it is without such a field.
 struct ContentType {
-    CString type = "text/plain";
+    CString type = wire::kTextPlain;
     CString parameters = "charset=us-ascii";
 };
 ContentType SplitContentType(std::string_view value);
