@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <hostkit/characters/MailText.h>
-#include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Answer.h>
 #include <hostkit/letter/Diagnosis.h>
@@ -186,11 +185,9 @@ void SetAnswerBody(CMailDoc& doc, const CString& answer, const CString& quoted) 
 
 std::vector<std::string> PrepareAnswer(const CString& mail, const Letter& letter, CMailDoc& doc,
                                        const AnswerOptions& options) {
-    if (!CEMailPerser().Perse(mail, nullptr, doc, 1)) {
-        const WorkFolder folder;
-        throw Failure(FailureKind::Message, {Field::None, options.name},
-                      Diagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
-    }
+    MailFault fault;
+    if (!CEMailPerser().Perse(mail, nullptr, doc, 1, fault))
+        throw Failure(FailureKind::Message, {Field::None, options.name}, FaultText(fault));
     const CString quoted = QuotedMail(doc);
     std::vector<std::string> warnings;
     SetRecipients(options, doc, warnings);

@@ -123,10 +123,11 @@ OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
     HeaderReader header(mail);
     CMailDoc doc;
     OpenedMail opened;
-    if (CEMailPerser().Perse(mail, areKept ? target : work.LibraryPath(), doc, 0))
+    MailFault fault;
+    if (CEMailPerser().Perse(mail, areKept ? target : work.LibraryPath(), doc, 0, fault))
         opened.files = FilesOf(doc, areKept);
     else
-        opened.fault = Diagnosis().FaultOf(mail, work.LibraryPath(), areKept ? &folder : nullptr);
+        opened.fault = FaultText(fault, folder);
     header.Fill(opened);
     FillFromDocument(doc, opened);
     CString subject;

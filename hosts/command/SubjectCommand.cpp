@@ -3,7 +3,6 @@
 #include <hostkit/characters/Failure.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
-#include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/Diagnosis.h>
 
 #include <mailengine/mailengine.h>
@@ -37,14 +36,14 @@ void CSubjectCommand::ShowSubject(const std::string& path) const {
     CString subject;
     const bool isRead = CEMailPerser().GetSubject(mail, subject) != 0;
     CMailDoc rest;
+    MailFault fault;
     if (!isRead) {  // the header may hold one all the same
-        CEMailPerser().Perse(mail, nullptr, rest, 1);
+        CEMailPerser().Perse(mail, nullptr, rest, 1, fault);
         rest.GetSubject(subject);
     }
     const std::string label = m_strFiles.size() == 1 ? "" : hostkit::Shown(path) + '\t';
     terminal::Put(label + hostkit::LineShown(subject.View()) + '\n');
     if (isRead) return;
-    const hostkit::WorkFolder folder;
     throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, NameOfInput(path)},
-                           hostkit::Diagnosis().FaultOf(mail, folder.LibraryPath(), nullptr));
+                           hostkit::FaultText(fault));
 }

@@ -130,14 +130,11 @@ class ReadTest(unittest.TestCase):
             (b"", "is empty"),
             (mail().replace(b"MIME-Version: 1.0\r\n", b""), "no MIME-Version 1.0"),
             (mail().replace(b"1.0", b"1.0 (x)"), "MIME-Version is '1.0 (x)'"),
-            (mail(kind="multipart/mixed"), "boundary parameter"),
             (mail(kind="multipart/related; boundary=b"), "no delimiter of its boundary 'b'"),
-            (mixed(file("a"), closing=""), "closing delimiter is missing of boundary 'b'"),
             (mixed(file("a"), file("b", "\0")), "NUL"),
             (mixed(file("a"), "Content-Type: text/html\r\n\r\nx"), "2: a part of type 'text/html'"),
             (mixed(file("a", "")[:-2] + "\r\n", closing="--b--\r\n"), "last attachment is empty"),
             (mixed(attached), "1: the attached mail cannot be read: it has no MIME-Version 1.0"),
-            (mixed("Content-Type: multipart/alternative; boundary=c\r\n\r\n--c\r\n\r\nx"), "boundary 'c'"),
         ):
             with self.subTest(words):
                 shown = self.run_it("read", data=data, status=1, complaints=[words]).decode()
