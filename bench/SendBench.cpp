@@ -134,7 +134,10 @@ void SendText(const std::string& text, int port) {
         line.assign(text, at, end - at);
         bench::Require(lines.WriteString(line.c_str()) && lines.WriteString("\r\n"), "not written");
     }
-    bench::Require(stream.Finish() != 0, "not taken");
+    lines.Close();
+    CString detail;
+    stream.GetErrorDetail(detail);
+    bench::Require(detail.IsEmpty(), "not taken");
 }
 
 void WritePlainly(const std::string& text, int port) {

@@ -107,16 +107,17 @@ Outcome SendLetter(const CMailDoc& doc, const Progress& progress) {
     try {
         CheckEnvelope(doc);
         ProgressOperation operation("送信中", doc.GetMailSize(), progress);
-        CString error;
-        if (CMailSendRecv::SendWhole(doc, operation.Engine(), error)) {
+        const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, CStringArray(), operation.Engine());
+        if (result.outcome == CMailSendRecv::kTaken) {
             operation.Complete();
             return {};
         }
-        if (operation.IsCancelled()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
-        const std::string reason = LineShown(error.View());
+        const bool unknown = result.outcome == CMailSendRecv::kUnknown;
+        const std::string reason = LineShown(result.text.View());
+        // Not every cancel comes in time: one behind the end of the mail leaves a text, or changes nothing.
+        if (!unknown && reason.empty()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
         throw Failure(FailureKind::Delivery, {},
-                      reason.empty() ? "the server closed the connection without a reason; the mail was not sent"
-                                     : "the mail was not sent: " + reason);
+                      (unknown ? "the server may have taken the mail: " : "the mail was not sent: ") + reason);
     } catch (const Failure& failure) {
         return {Outcome::State::Failed, failure.what(), {}, failure};
     }

@@ -40,7 +40,9 @@ int TakeEnvelope(const CMailDoc& doc, Envelope& envelope, CString& error) {
         problem = "SendPort is invalid.";
     else if (envelope.sender.IsEmpty())
         problem = "Sender is empty.";
-    else if (!IsFitToSend(envelope.server) || !IsFitToSend(envelope.sender))  // a NUL would cut it to another name
+    else if (!IsFitToSend(envelope.server))  // a NUL would cut it to another name
+        problem = texts::kServerUnusable;
+    else if (!IsFitToSend(envelope.sender))
         problem = texts::kAddressUnusable;
     if (problem != nullptr) {
         error = problem;

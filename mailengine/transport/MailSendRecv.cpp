@@ -6,8 +6,15 @@
 #include <mailengine/transport/TransparencyStream.h>
 #include <mailengine/writer/EMailWriter.h>
 
+CMailSendRecv::Result CMailSendRecv::SendWhole(const CMailDoc& doc, const CStringArray& blindRecipients,
+                                               CProgressCallback& progress) {
+    return ::SendWhole(doc, blindRecipients, progress, kSendLimits);
+}
+
 int CMailSendRecv::SendWhole(const CMailDoc& doc, CProgressCallback& progress, CString& error) {
-    return ::SendWhole(doc, progress, error, kSendLimits);
+    const Result result = SendWhole(doc, CStringArray(), progress);
+    if (!result.text.IsEmpty()) error = result.text;
+    return result.outcome == kTaken;
 }
 
 int CMailSendRecv::Send(const CMailDoc& doc, CProgressCallback& progress, CString& error) {

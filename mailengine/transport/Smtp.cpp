@@ -5,22 +5,13 @@
 
 #include <mailengine/support/Texts.h>
 #include <mailengine/support/platform/system/System.h>
+#include <mailengine/transport/Command.h>
 #include <mailengine/transport/Smtp.h>
 #include <mailengine/transport/SocketClient.h>
 
 namespace {
 
-constexpr char kHeloCommand[] = "HELO %s\r\n";
-constexpr char kMailCommand[] = "MAIL FROM:<%s>\r\n";
-constexpr char kRcptCommand[] = "RCPT TO:<%s>\r\n";
 constexpr int kHostNameBytes = 256;
-
-// Puts argument into format. The result is null, or why the command may not be sent.
-const char* FormatCommand(const char* format, std::string_view argument, CString& command) {
-    if (argument.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) return texts::kAddressUnusable;
-    command.Format(format, CString(argument));
-    return command.GetLength() < CSmtp::kCommandBytes ? nullptr : texts::kCommandTooLong;
-}
 
 // The number at the head of the first three bytes: white space, a sign and digits as far as they go, as the C runtime
 // reads one, but in no locale.
@@ -46,7 +37,6 @@ CSmtp::~CSmtp() {
 
 int CSmtp::Open(const char* server, int port) {
     m_strErrorDetail.Empty();
-    SetStep(kConnect);
     if (!m_pSocket->Connect(server, port)) {
         m_strErrorDetail = m_pSocket->GetError();
         return 0;
@@ -57,9 +47,7 @@ int CSmtp::Open(const char* server, int port) {
         return 0;
     }
     unsigned int code = 0;
-    SetStep(kGreeting);
     if (!ReadReply(code)) return 0;
-    SetStep(kHello);
     m_bOpen = WriteFormatString(kHeloCommand, hostName, code);
     return m_bOpen;
 }
@@ -68,48 +56,30 @@ int CSmtp::Close() {
     if (!m_bOpen) return 1;
     const CString reason = m_strErrorDetail;
     unsigned int code = 0;
-    SetStep(kQuit);
     const int answered = WriteString("QUIT\r\n", code);
     m_strErrorDetail = reason;
     m_bOpen = 0;
     return m_pSocket->Close() && answered;
 }
 
-void CSmtp::Abort() {
-    if (!m_strErrorDetail.IsEmpty()) {
-        std::memset(m_szReply, 0, sizeof m_szReply);
-        const int received = m_pSocket->Receive(m_szReply, sizeof m_szReply, 1);
-        if (received >= 3 && (m_szReply[0] == '4' || m_szReply[0] == '5')) m_strErrorDetail = ReplyText();
-    }
-    (void)m_pSocket->Close();  // 0 says that the peer was quicker
-    m_bOpen = 0;
-}
-
 int CSmtp::Start(const char* sender, const CStringArray& recipients) {
     m_strErrorDetail.Empty();
     if (recipients.GetSize() > kMaxRecipients || !m_bOpen || !CheckEnvelope(sender, recipients)) return 0;
     unsigned int code = 0;
-    SetStep(kSender);
     if (!WriteFormatString(kMailCommand, CString(sender), code)) return 0;
-    SetStep(kRecipient);
     for (int i = 0; i < recipients.GetSize(); ++i)
         if (!WriteFormatString(kRcptCommand, recipients.GetAt(i), code)) return 0;
-    SetStep(kDataStart);
     return WriteString("DATA\r\n", code);
 }
 
 int CSmtp::CheckEnvelope(const char* sender, const CStringArray& recipients) {
-    CString command;
-    const char* problem = FormatCommand(kMailCommand, CString(sender).View(), command);
-    for (int i = 0; i < recipients.GetSize() && problem == nullptr; ++i)
-        problem = FormatCommand(kRcptCommand, recipients.GetAt(i).View(), command);
+    const char* const problem = EnvelopeProblem(CString(sender).View(), recipients);
     if (problem != nullptr) m_strErrorDetail = problem;
     return problem == nullptr;
 }
 
 int CSmtp::SendData(const char* text) {
     m_strErrorDetail.Empty();
-    SetStep(kDataBlock);
     return m_bOpen && SendBytes(text, 1);
 }
 
@@ -117,33 +87,7 @@ int CSmtp::End() {
     m_strErrorDetail.Empty();
     if (!m_bOpen) return 0;
     unsigned int code = 0;
-    SetStep(kDataEnd);
     return WriteString("\r\n.\r\n", code);
-}
-
-int CSmtp::Finish() {
-    const int awaited = AwaitsData();
-    const int ended = awaited && End();
-    // Still the 3 of DATA if the dot could not be sent, and NUL if no reply came.
-    const char verdict = awaited ? m_szReply[0] : '\0';
-    if (ended && verdict == '3') m_strErrorDetail = ReplyText();
-    if (verdict == '3' || verdict == '\0')
-        Abort();
-    else
-        (void)Close();  // the mail is taken or refused by now; a lost QUIT changes nothing for the user
-    return ended && verdict == '2';
-}
-
-// Whether the server's last word was the go-ahead of DATA. If not, the text is what it said.
-int CSmtp::AwaitsData() {
-    m_strErrorDetail.Empty();
-    if (!m_bOpen) return 0;
-    char reply[sizeof m_szReply] = {};
-    const int waits = m_pSocket->Receive(reply, sizeof reply, 1) > 0;  // a lost connection shows at the final dot
-    if (waits) std::memcpy(m_szReply, reply, sizeof reply);
-    if (m_szReply[0] == '3' && !waits) return 1;
-    m_strErrorDetail = ReplyText();
-    return 0;
 }
 
 int CSmtp::SendBytes(const char* text, int moreFollows) {
@@ -193,12 +137,4 @@ int CSmtp::ReadReply(unsigned int& code) {
 CString CSmtp::ReplyText() const {
     const std::string_view reply(m_szReply, sizeof m_szReply);
     return CString(reply.substr(0, reply.find('\0')));
-}
-
-void CSmtp::SetWait(CSocketWait* wait) {
-    m_pSocket->SetWait(wait);
-}
-
-void CSmtp::SetStep(Step step) {
-    m_pSocket->SetStep(step);
 }

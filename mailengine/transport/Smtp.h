@@ -12,7 +12,6 @@
 #include <mailengine/support/platform/text/StringArray.h>
 
 class CSocketClient;
-class CSocketWait;
 
 class MAILENGINE_API CSmtp {
 public:
@@ -20,9 +19,6 @@ public:
     static constexpr int kMaxRecipients = 100;
     // The longest command, its CRLF and a NUL behind it included; RFC 5321 4.5.3.1.4 allows 512 without the NUL.
     static constexpr int kCommandBytes = 512;
-
-    // The steps of a session, in their order: the numbers under which a CSocketWait is asked for a time limit.
-    enum Step { kConnect, kGreeting, kHello, kSender, kRecipient, kDataStart, kDataBlock, kDataEnd, kQuit, kSteps };
 
     // No session stands yet; connects to nobody.
     CSmtp();
@@ -51,23 +47,9 @@ public:
     // Ends the mail's data with CRLF, dot, CRLF, and takes the server's verdict on the mail. Text that ends in CRLF
     // thus gets one empty line more.
     [[nodiscard]] int End();
-    // Ends the mail and the session for a caller who must know what became of the mail. 1: the server took it, its
-    // verdict beginning with 2. 0: it did not, or nobody knows. Where the dialogue is out of step, because a reply came
-    // in pieces, the verdict would be taken from another command's reply: so the data are ended only if DATA was
-    // answered by a 3 (RFC 5321 4.3.2) and nothing has come since; else Abort gives the mail up before it is whole, and
-    // the text is what the server said. Without a verdict Abort ends the session as well, else Close does.
-    [[nodiscard]] int Finish();
-    // Drops the connection without End and QUIT. Data that were not ended are thrown away by the server (RFC 5321
-    // 4.1.1.4). The text of the failure before stays, but that a refusal which the server sent before it broke the
-    // connection off (421 and 552 come so) takes its place. Without a connection it does nothing.
-    void Abort();
     // Copies the text of the last failure: empty if there was none, if the peer closed the connection, and if a reply
     // had fewer than 3 bytes.
     void GetErrorDetail(CString& detail) { detail = m_strErrorDetail; }
-
-    // Lends what may end the waits of this session, asked with a Step; null, as at the start, lets them last for ever.
-    // An ended wait is a failure of the socket like others, and makes the connection useless.
-    void SetWait(CSocketWait* wait);
 
 protected:
     // Sends text, a command with its line end, and reads the reply; code takes its number. An empty text fails.
@@ -81,10 +63,8 @@ protected:
 
 private:
     CString ReplyText() const;
-    int AwaitsData();
     int SendBytes(const char* text, int moreFollows);
     int CheckEnvelope(const char* sender, const CStringArray& recipients);
-    void SetStep(Step step);
 
     CSocketClient* m_pSocket;
     int m_bOpen = 0;

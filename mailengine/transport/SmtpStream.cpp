@@ -38,25 +38,8 @@ int CSmtpStream::HandOver() {
 
 void CSmtpStream::Close() {
     if (!m_bOpen) return;
-    (void)HandOver();  // the mail goes out as far as it got; Finish is there for those who want it whole
+    (void)HandOver();  // the mail goes out as far as it got
     (void)m_smtp.End();
     (void)m_smtp.Close();
-    m_bOpen = 0;
-}
-
-int CSmtpStream::Finish() {
-    if (!m_bOpen) return 0;
-    if (!HandOver()) {
-        Abort();
-        return 0;
-    }
-    m_bOpen = 0;
-    return m_smtp.Finish();
-}
-
-void CSmtpStream::Abort() {
-    if (!m_bOpen) return;
-    m_smtp.Abort();
-    m_strBuffer.Empty();
     m_bOpen = 0;
 }

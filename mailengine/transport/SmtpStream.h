@@ -33,21 +33,8 @@ public:
     // this call failed; the bytes handed over are lost, and text is kept for the next hand-over all the same.
     [[nodiscard]] int WriteString(const char* text) override;
 
-    // Ends the mail, and tells what became of it: non-zero if the server took it. 0: it refused the mail, or the
-    // connection was lost, with the text in GetErrorDetail; or the stream is not open. When the last hand-over fails,
-    // or the server's replies are out of step with the commands (see CSmtp::Finish), the mail is given up as by Abort,
-    // without the final dot. A wait for the verdict that was ended leaves it open whether the server takes the mail.
-    // What QUIT gives changes nothing.
-    [[nodiscard]] int Finish();
-    // Gives the mail up: drops the connection without the final dot, so that the server throws away what it has (RFC
-    // 5321 4.1.1.4) and nobody gets half a mail. For the text see CSmtp::Abort. Does nothing on a closed stream.
-    void Abort();
-
     // The text of the session's last failure, code page 932 or the server's own words; may be empty.
     void GetErrorDetail(CString& detail) { m_smtp.GetErrorDetail(detail); }
-
-    // See CSmtp::SetWait.
-    void SetWait(CSocketWait* wait) { m_smtp.SetWait(wait); }
 
 private:
     int HandOver();

@@ -45,5 +45,6 @@ int CSocketClient::Receive(void* buffer, int size, int dontWait) {
 }
 
 void CSocketClient::SetError(const char* action) {
-    m_strError.Format(texts::kSocketError, action, platform::GetLastError());
+    m_nError = static_cast<int>(platform::GetLastError());
+    m_strError.Format(texts::kSocketError, action, m_nError);
 }

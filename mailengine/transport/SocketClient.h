@@ -27,10 +27,11 @@ public:
     [[nodiscard]] int Receive(void* buffer, int size, int dontWait = 0);
     // The text of the last operation's failure, code page 932; empty behind one that did not fail.
     CString GetError() { return m_strError; }
+    // Its number: an errno, or the resolver's own, below 0. Means nothing behind an operation that did not fail.
+    int GetErrorNumber() const { return m_nError; }
 
-    // What may end a wait, lent, and the step whose time limit holds: see CAsyncSocket. Without, waits last for ever.
+    // What may end a wait, lent: see CAsyncSocket. Without, waits last for ever.
     void SetWait(CSocketWait* wait) { m_socket.SetWait(wait); }
-    void SetStep(int step) { m_socket.SetStep(step); }
 
 private:
     void SetError(const char* action);
@@ -38,4 +39,5 @@ private:
     CSocket m_socket;
     int m_bConnected = 0;  // from a successful Connect to a successful Close
     CString m_strError;
+    int m_nError = 0;
 };

@@ -2,16 +2,20 @@
 // The script's turns stand between '|'. The first is what the server says when a client connects, each later one what
 // it says when a command has come, as one piece. A turn for DATA that begins with 2 or 3 is followed by mail data: the
 // turn behind it comes with the final dot. Turns with a meaning of their own:
-//   <close>     end the connection in both directions      <reset>  break it off (RST)
-//   <silent>    say nothing until Speak(), then go on at once with the next turn
-//   <cut>words  in place of a verdict: say the words at the first piece of mail data and break the connection off
-//   <stall>     in place of a verdict: read nothing until Speak()
-// Behind the last turn it only listens. Whatever comes is recorded.
+//   <close>words  say the words, if any, and end the connection in both directions
+//   <reset>words  the same, but break it off (RST)
+//   <silent>      say nothing until Speak(), then go on at once with the next turn
+//   <cut>words    in place of a verdict: say the words at the first piece of mail data and break the connection off
+//   <stall>       in place of a verdict: read nothing until Speak()
+// A ~ in a turn is a moment's pause. Behind the last turn it only listens. Whatever comes is recorded.
 #pragma once
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <semaphore>
 #include <string>
@@ -62,6 +66,8 @@ private:
         }
         if ((entries[0].revents & POLLIN) == 0) return;
         m_connection = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+        const int on = 1;
+        setsockopt(m_connection, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         const timeval limit{30, 0};  // a client that hangs fails its test
         setsockopt(m_connection, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
         Play();
@@ -83,12 +89,18 @@ private:
     bool PlayTurn(const std::string& turn) {
         isSilent = turn == "<silent>" || turn == "<stall>";
         if (isSilent) m_speak.acquire();
-        const bool cut = turn.starts_with("<cut>");
-        const std::string words = cut ? turn.substr(5) : turn.starts_with('<') ? "" : turn;
-        (void)send(m_connection, words.data(), words.size(), MSG_NOSIGNAL);  // the client may have gone, and shows it
+        const bool resets = turn.starts_with("<cut>") || turn.starts_with("<reset>");
+        Say(turn.substr(turn.starts_with('<') ? turn.find('>') + 1 : 0));
         const linger now{1, 0};
-        if (cut || turn == "<reset>") setsockopt(m_connection, SOL_SOCKET, SO_LINGER, &now, sizeof now);
-        return !cut && turn != "<reset>" && turn != "<close>";
+        if (resets) setsockopt(m_connection, SOL_SOCKET, SO_LINGER, &now, sizeof now);
+        return !resets && !turn.starts_with("<close>");
+    }
+    void Say(const std::string& words) {
+        for (std::size_t at = 0, end = 0; at <= words.size(); at = end + 1) {
+            end = std::min(words.find('~', at), words.size());
+            if (at > 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            (void)send(m_connection, words.data() + at, end - at, MSG_NOSIGNAL);  // the client may have gone: it shows
+        }
     }
     // Takes what comes until end has come, or with cut until anything has.
     bool TakeUntil(const char* end, bool cut) {

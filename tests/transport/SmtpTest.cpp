@@ -86,14 +86,16 @@ TEST(Smtp, TakesOneReadForOneReplyWhereverTheNetworkCutsIt) {
     const std::string greeting = "220 2 mx.3 4a\r\n";
     for (std::size_t cut = 1; cut < greeting.size(); ++cut) {
         const std::string rest = greeting.substr(cut);
-        ScriptedPeer peer(greeting.substr(0, cut) + "|" + rest);
-        CSmtp smtp;
+        ScriptedPeer peer(greeting.substr(0, cut) + "|" + rest + "|221");
         const bool heard = cut >= 3;
         const bool passes = heard && rest.size() >= 3 && (rest[0] == '2' || rest[0] == '3');
-        EXPECT_EQ(smtp.Open("127.0.0.1", peer.port), passes) << cut;
-        EXPECT_EQ(Detail(smtp), heard && !passes && rest.size() >= 3 ? rest : "") << cut;
-        smtp.Abort();
-        EXPECT_EQ(peer.Received(), heard ? "HELO pc.example.test\r\n" : "") << cut;
+        {
+            CSmtp smtp;
+            EXPECT_EQ(smtp.Open("127.0.0.1", peer.port), passes) << cut;
+            EXPECT_EQ(Detail(smtp), heard && !passes && rest.size() >= 3 ? rest : "") << cut;
+        }
+        const std::string sent = passes ? "HELO pc.example.test\r\nQUIT\r\n" : "HELO pc.example.test\r\n";
+        EXPECT_EQ(peer.Received(), heard ? sent : "") << cut;
     }
 }
 
@@ -125,15 +127,17 @@ TEST(Smtp, SendsNothingOfAnEnvelopeItMayNotSend) {
     };
     const CFixedSystem system;
     for (const auto& row : rows) {
-        ScriptedPeer peer("220|250|250|250|354");
-        CSmtp smtp;
-        ASSERT_TRUE(smtp.Open("127.0.0.1", peer.port));
-        EXPECT_EQ(smtp.Start(row.sender.c_str(), row.recipients), row.detail == nullptr) << row.what;
-        EXPECT_EQ(Detail(smtp), row.detail == nullptr ? "" : row.detail) << row.what;
-        smtp.Abort();
-        const std::string envelope = "MAIL FROM:<" + row.sender + ">\r\nRCPT TO:<";
-        const std::string rest = Bytes(row.recipients.GetAt(0)) + ">\r\nDATA\r\n";
-        EXPECT_EQ(peer.Received(), "HELO pc.example.test\r\n" + (row.detail ? "" : envelope + rest)) << row.what;
+        ScriptedPeer peer("220|250|250|250|354|250|221");
+        {
+            CSmtp smtp;
+            ASSERT_TRUE(smtp.Open("127.0.0.1", peer.port));
+            EXPECT_EQ(smtp.Start(row.sender.c_str(), row.recipients), row.detail == nullptr) << row.what;
+            EXPECT_EQ(Detail(smtp), row.detail == nullptr ? "" : row.detail) << row.what;
+            EXPECT_EQ(row.detail == nullptr && smtp.End(), row.detail == nullptr);
+        }
+        const std::string all =
+            "MAIL FROM:<" + row.sender + ">\r\nRCPT TO:<" + Bytes(row.recipients.GetAt(0)) + ">\r\nDATA\r\n\r\n.\r\n";
+        EXPECT_EQ(peer.Received(), "HELO pc.example.test\r\n" + (row.detail ? "" : all) + "QUIT\r\n") << row.what;
     }
 }
 

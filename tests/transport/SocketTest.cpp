@@ -84,7 +84,7 @@ TEST(Socket, SendsAllWhileThePeerIsSlowAndSignalsCome) {
 // Ends the waits at a limit in milliseconds, or at a question.
 struct ShortWait : CSocketWait {
     ShortWait(int milliseconds, int questions) : limit(milliseconds), left(questions) {}
-    int TimeLimit(int) override { return limit; }
+    int TimeLimit() override { return limit; }
     int GoOn() override { return --left != 0; }
     int limit, left;
 };

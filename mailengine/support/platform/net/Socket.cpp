@@ -121,7 +121,7 @@ int CAsyncSocket::Wait(int writing) {
     if (m_nEnded != 0) return EndWait(m_nEnded);
     const int event = writing ? CWindowSystem::kWritable : CWindowSystem::kReadable;
     if (m_pWait == nullptr) return CWindowSystem::Get().WaitForSocket(m_hSocket, event, -1) > 0;
-    const int limit = m_pWait->TimeLimit(m_nStep);
+    const int limit = m_pWait->TimeLimit();
     const steady_clock::time_point begun = steady_clock::now();
     for (;;) {
         if (!MayWaitOn()) return EndWait(ECANCELED);

@@ -17,9 +17,9 @@ inline constexpr SOCKET INVALID_SOCKET = -1;
 class MAILENGINE_API CSocketWait {
 public:
     virtual ~CSocketWait();
-    // Milliseconds that one wait may last in the step that the socket's SetStep named; below 0: for ever. A wait for
-    // room to send begins anew with each byte that goes out, so a slow line is not taken for a dead one.
-    virtual int TimeLimit(int step) = 0;
+    // Milliseconds that the wait which begins now may last; below 0: for ever. A wait for room to send begins anew with
+    // each byte that goes out, and one for a connection with each address that is tried.
+    virtual int TimeLimit() = 0;
     // Asked every kAskMilliseconds of a wait, and not more often. 0 ends the wait.
     virtual int GoOn() = 0;
 
@@ -48,8 +48,6 @@ public:
     // was ended, the connection is of no more use: each later wait fails at once with the same number, ETIMEDOUT
     // behind a time limit and ECANCELED behind a GoOn of 0.
     void SetWait(CSocketWait* wait) { m_pWait = wait; }
-    // Names the step, a number of the caller's own, whose time limit holds from now on.
-    void SetStep(int step) { m_nStep = step; }
 
     SOCKET m_hSocket = INVALID_SOCKET;
 
@@ -66,7 +64,6 @@ private:
     int EndWait(int number);
 
     CSocketWait* m_pWait = nullptr;
-    int m_nStep = 0;
     int m_nEnded = 0;  // the number under which a wait was ended, else 0
     std::chrono::steady_clock::time_point m_asked;
 };
