@@ -31,9 +31,27 @@ void AppendShown(std::string& shown, std::string_view line) {
     shown += '\n';
 }
 
-bool MayStay(char32_t code, Extent extent) {
-    if (code >= 0x20) return code < 0x7F || code >= 0xA0;
-    return extent == Extent::Letter && (code == '\r' || code == '\n' || code == '\t');
+// A foreign text less what is not seen. What ends a line ends one in a letter, and is a blank in a line, which none
+// begins or ends with and no two follow each other.
+std::string Cleaned(std::string_view text, Extent extent) {
+    std::string cleaned;
+    bool isGap = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const platform::Character character = platform::Utf8CharacterAt(text, i);
+        const bool isEnd = IsLineEnd(character.code);
+        if (extent == Extent::Letter && isEnd) {
+            const bool stays = character.code == '\t' || character.code == '\r';
+            cleaned += stays ? static_cast<char>(character.code) : '\n';
+        } else if (isEnd) {
+            isGap = true;
+        } else if (!IsUnseen(character.code)) {
+            if (isGap && !cleaned.empty() && cleaned.back() != ' ' && text[i] != ' ') cleaned += ' ';
+            isGap = false;
+            cleaned.append(text, i, character.bytes);
+        }
+        i += character.bytes;
+    }
+    return cleaned;
 }
 
 }  // namespace
@@ -68,14 +86,7 @@ std::string HeaderShown(std::string_view text) {
 }
 
 CString Carried(std::string_view text, Extent extent) {
-    const std::string outside = TextOf(text);
-    std::string cleaned;
-    for (std::size_t i = 0; i < outside.size();) {
-        const platform::Character character = platform::Utf8CharacterAt(outside, i);
-        if (MayStay(character.code, extent)) cleaned.append(outside, i, character.bytes);
-        i += character.bytes;
-    }
-    return ToCodePage(cleaned, extent, Missing::Replace, {Field::None, "the answered mail"});
+    return ToCodePage(Cleaned(TextOf(text), extent), extent, Missing::Replace, {Field::None, "the answered mail"});
 }
 
 std::string OneLine(const CString& message) {

@@ -22,9 +22,9 @@ HOSTKIT_API std::string LineShown(std::string_view text);
 HOSTKIT_API std::string BodyShown(std::string_view text);
 HOSTKIT_API std::string HeaderShown(std::string_view text);
 
-// The text in code page 932, fit for a new mail: control characters are gone, but for the line ends and TABs of a
-// letter, and 〓 stands for what a Japanese mail cannot carry, since nobody is there who could type something else.
-// Throws Failure for a text that is too long.
+// The text in code page 932, fit for a new mail: what is not seen is gone, but for the line ends and TABs of a letter,
+// which become single blanks in a line; and 〓 stands for what a Japanese mail cannot carry, since nobody is there who
+// could type something else. Throws Failure for a text that is too long.
 HOSTKIT_API CString Carried(std::string_view text, Extent extent);
 
 // A message of the library for the user, code page 932 of many lines, as one line of UTF-8: each run of line ends is a

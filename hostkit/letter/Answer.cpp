@@ -3,6 +3,7 @@
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Answer.h>
 #include <hostkit/letter/Diagnosis.h>
+#include <hostkit/letter/HeaderValues.h>
 #include <new>
 
 #include <mailengine/parser/EMailPerser.h>
@@ -16,8 +17,8 @@ constexpr std::string_view kFold = "\r\n\t";
 constexpr std::string_view kReplyPrefix = "Re: ";
 constexpr std::string_view kOriginalMessage = "\r\n----- Original Message -----\r\n";
 
-CString CarriedLine(const CString& text) {
-    return Carried(text.View(), Extent::Line);
+CString CarriedLine(std::string_view text) {
+    return Carried(text, Extent::Line);
 }
 
 bool HasReplyPrefix(std::string_view subject) {
@@ -28,7 +29,7 @@ bool HasReplyPrefix(std::string_view subject) {
 void CleanSubject(CMailDoc& doc) {
     CString subject;
     doc.GetSubject(subject);
-    subject = CarriedLine(subject);
+    subject = CarriedLine(subject.View());
     doc.SetSubject(HasReplyPrefix(subject.View()) ? subject : CString(kReplyPrefix) + subject);
 }
 
@@ -83,7 +84,7 @@ bool CanBeSentTo(const CString& mailAddress) {
 CString CleanName(const CAddress& parsed) {
     CAddress address(parsed);
     DropQuotes(address);
-    CString name = CarriedLine(address.GetDisplayName());
+    CString name = CarriedLine(address.GetDisplayName().View());
     name.Replace('\\', '/');
     return name;
 }
@@ -91,11 +92,11 @@ CString CleanName(const CAddress& parsed) {
 std::vector<CAddress> CleanAddresses(const std::vector<CAddress>& parsed, std::vector<std::string>& warnings) {
     std::vector<CAddress> cleaned;
     for (const CAddress& address : parsed) {
-        const CString mailAddress = CarriedLine(address.GetMailAddress());
+        const CString mailAddress = CarriedLine(address.GetMailAddress().View());
         if (CanBeSentTo(mailAddress)) {
             cleaned.emplace_back("", CleanName(address), mailAddress);
         } else if (!mailAddress.IsEmpty()) {
-            warnings.push_back("the address '" + TextOf(address.GetMailAddress().View()) +
+            warnings.push_back("the address '" + LineShown(address.GetMailAddress().View()) +
                                "' of the answered mail is left out: it cannot be sent to");
         }
     }
@@ -151,14 +152,13 @@ void SetRecipients(const AnswerOptions& options, CMailDoc& doc, std::vector<std:
     if (!doc.AddToAddresses(to) || !doc.AddCcAddresses(cc)) throw std::bad_alloc();
 }
 
-// The old mail as the answer shows it: its summary, and its body with "> " on each line. Lines end in CRLF, the last
-// one too. doc is as Perse prepared it.
-CString QuotedMail(const CMailDoc& doc) {
-    CString summary;
+// The old mail as the answer shows it: its summary, which becomes that of doc too, and its body with "> " on each line.
+// Lines end in CRLF, the last one too. doc is as Perse prepared it.
+CString QuotedMail(const CString& mail, CMailDoc& doc) {
     CString body;
-    doc.GetOriginalSummary(summary);
     doc.GetBody(body);
-    CString quoted = Carried(HeaderTextOf(summary.View()), Extent::Letter);
+    CString quoted = SummaryOf(HeaderOf(mail), AttachmentNames(mail), CarriedLine);
+    doc.SetOriginalSummary(quoted);
     quoted += kCrlf;
     const CString carried = Carried(body.View(), Extent::Letter);
     AppendLines(quoted, WithoutLastLineEnds(carried.View()), "> ");
@@ -188,7 +188,7 @@ std::vector<std::string> PrepareAnswer(const CString& mail, const Letter& letter
     MailFault fault;
     if (!CEMailPerser().Perse(mail, nullptr, doc, 1, fault))
         throw Failure(FailureKind::Message, {Field::None, options.name}, FaultText(fault));
-    const CString quoted = QuotedMail(doc);
+    const CString quoted = QuotedMail(mail, doc);
     std::vector<std::string> warnings;
     SetRecipients(options, doc, warnings);
     CleanSubject(doc);

@@ -3,6 +3,7 @@
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Diagnosis.h>
+#include <hostkit/letter/HeaderValues.h>
 #include <hostkit/letter/OpenedMail.h>
 
 #include <mailengine/model/MailDoc.h>
@@ -40,52 +41,18 @@ std::vector<MailAddress> MailAddressesOf(const CStringArray& texts) {
     return read;
 }
 
-CString Shown(const CString& value) {
-    return CString(LineShown(value.View()));
+CString ShownLine(std::string_view value) {
+    return CString(LineShown(value));
 }
 
-CStringArray Shown(const CStringArray& values) {
-    CStringArray shown;
-    for (int i = 0; i < values.GetSize(); ++i)
-        shown.SetAtGrow(i, Shown(values.GetAt(i)));
-    return shown;
+void FillFromHeader(const HeaderValues& header, OpenedMail& opened) {
+    opened.from = MailAddressesOf(header.from);
+    opened.replyTo = MailAddressesOf(header.replyTo);
+    opened.date = TextOf(header.date);
+    opened.messageId = TextOf(header.messageId);
+    opened.references = TextOf(header.references);
+    opened.header = HeaderTextOf(header.block.View());
 }
-
-// What the parser reads in the header, and the document does not keep.
-class HeaderReader : private CEMailPerser {
-public:
-    explicit HeaderReader(const CString& mail) {
-        const int end = FindEmptyLine(mail, 0);
-        const int bodyTop = end == -1 ? mail.GetLength() : end;
-        m_strHeader = mail.Left(bodyTop);
-        PerseHeaderFields(mail, bodyTop, bodyTop, m_from, m_to, m_cc, m_strMessageId, m_strReferences, m_strSubject,
-                          m_strDate);
-        if (const int top = FindTopOfLine(mail, 0, "Reply-To:"); top != -1)
-            PerseAddressField(mail, top, "Reply-To:", m_replyTo);
-    }
-
-    void Fill(OpenedMail& opened) {
-        opened.from = MailAddressesOf(m_from);
-        opened.replyTo = MailAddressesOf(m_replyTo);
-        opened.date = TextOf(m_strDate);
-        opened.messageId = TextOf(m_strMessageId);
-        opened.references = TextOf(m_strReferences);
-        opened.header = HeaderTextOf(m_strHeader.View());
-    }
-
-    std::string ShownSummary(const CString& subject, const std::vector<OpenedMail::File>& files) {
-        CStringArray names;
-        for (const OpenedMail::File& file : files)
-            names.SetAtGrow(names.GetSize(), CString(LineShown(file.name)));
-        CString summary;
-        MakeOriginalSummary(Shown(m_from), Shown(m_to), Shown(m_cc), Shown(subject), Shown(m_strDate), names, summary);
-        return BodyShown(summary.View());
-    }
-
-private:
-    CStringArray m_from, m_to, m_cc, m_replyTo;
-    CString m_strHeader, m_strMessageId, m_strReferences, m_strSubject, m_strDate;
-};
 
 void FillFromDocument(const CMailDoc& doc, OpenedMail& opened) {
     const auto get = [&](void (CMailDoc::*value)(CString&) const) {
@@ -97,7 +64,6 @@ void FillFromDocument(const CMailDoc& doc, OpenedMail& opened) {
     opened.to = MailAddressesOf(AddressesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress));
     opened.cc = MailAddressesOf(AddressesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress));
     opened.body = TextOf(get(&CMailDoc::GetBody));
-    opened.summary = HeaderTextOf(get(&CMailDoc::GetOriginalSummary).View());
 }
 
 std::vector<OpenedMail::File> FilesOf(const CMailDoc& doc, bool areKept) {
@@ -120,7 +86,7 @@ OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
     const bool areKept = !folder.empty();
     const CString target = areKept ? TargetFolder(folder) : CString();
     const WorkFolder work;
-    HeaderReader header(mail);
+    const HeaderValues header = HeaderOf(mail);
     CMailDoc doc;
     OpenedMail opened;
     MailFault fault;
@@ -128,11 +94,12 @@ OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
         opened.files = FilesOf(doc, areKept);
     else
         opened.fault = FaultText(fault, folder);
-    header.Fill(opened);
+    FillFromHeader(header, opened);
     FillFromDocument(doc, opened);
-    CString subject;
-    doc.GetSubject(subject);
-    opened.shownSummary = header.ShownSummary(subject, opened.files);
+    CStringArray names;
+    for (const OpenedMail::File& file : opened.files)
+        names.SetAtGrow(names.GetSize(), CString(file.name));
+    opened.summary = SummaryOf(header, names, ShownLine).View();
     return opened;
 }
 

@@ -27,10 +27,10 @@ struct OpenedMail {
 
     std::string subject, date, messageId, references;
     std::vector<MailAddress> from, to, cc, replyTo;
-    std::string body;          // its lines end as they came, which is CRLF in most mails
-    std::string header;        // the header block as it stands
-    std::string summary;       // the header as people read it above a quoted mail
-    std::string shownSummary;  // the same for a screen: LF ends a line, and no value breaks into a second one
+    std::string body;     // its lines end as they came, which is CRLF in most mails
+    std::string header;   // the header block as it stands
+    std::string summary;  // the header as people read it above a quoted mail, in CRLF: each value is one line, as
+                          // LineShown has it, since a line end in it would show fields that the header does not have
     std::vector<File> files;
     std::string fault;  // empty: all was read. Else why not, in one line that goes on from the message's name; the
                         // header's values are there all the same, body and files are not.

@@ -1,5 +1,6 @@
 #include "SendCommand.h"
 
+#include <hostkit/characters/Utf8.h>
 #include <hostkit/letter/Envelope.h>
 #include <iostream>
 
@@ -12,9 +13,9 @@ namespace {
 
 void PrintEnvelope(const CMailDoc& doc) {
     const std::uint64_t bytes = hostkit::MessageBytes(doc);
-    terminal::Put("sender: " + hostkit::SenderOf(doc) + '\n');
+    terminal::Put("sender: " + hostkit::Shown(hostkit::SenderOf(doc)) + '\n');
     for (const std::string& recipient : hostkit::RecipientsOf(doc))
-        terminal::Put("recipient: " + recipient + '\n');
+        terminal::Put("recipient: " + hostkit::Shown(recipient) + '\n');
     terminal::Put("size: " + std::to_string(bytes) + " bytes\n");
     terminal::Finish();
 }

@@ -30,7 +30,7 @@ ordered_json JsonOf(const std::vector<OpenedMail::File>& files) {
     return list;
 }
 
-// JSON escapes the controls of ASCII alone; the others, which a terminal may obey too, get the same form here.
+// JSON escapes the controls of ASCII alone; whatever else is not seen gets the same form here.
 std::string WithoutUnseen(const std::string& json) {
     constexpr char kHexDigits[] = "0123456789abcdef";
     std::string plain;
@@ -57,7 +57,7 @@ std::string WithoutUnseen(const std::string& json) {
 }  // namespace
 
 std::string ShownMail(const OpenedMail& opened, bool headers) {
-    std::string shown = headers ? hostkit::BodyShown(opened.header) : opened.shownSummary;
+    std::string shown = hostkit::BodyShown(headers ? opened.header : opened.summary);
     if (!opened.fault.empty()) return shown;
     shown += '\n' + hostkit::BodyShown(opened.body);
     if (!opened.files.empty()) shown += "\nAttachments:\n";

@@ -168,6 +168,27 @@ class ReadTest(unittest.TestCase):
         read = Message(out)
         self.assertEqual([address for _, address in read.addresses("To") + read.addresses("Cc")], ["a@b", "g@h"])
 
+    def test_no_value_of_a_mail_makes_a_line_of_an_answer_or_a_summary(self):
+        ends = "\r\n|\n|\r|\x0b|\x0c|\x1b$B|\x85|\u2028|\u2029|\u202e|\u2066|\U000e0041|\x9b2J|\u061c".split("|")
+        evil = "\r\n ".join(word(f"x{end}I agree{end}".encode(), "utf-8") for end in ends + ["\0"])
+        labels = {"From", "To", "Cc", "Date", "Subject", "File"}
+        text = "Content-Type: text/plain\r\n\r\n" + "I agree".join(ends)
+        for field in labels | {"Message-ID", "References", "In-Reply-To", "X\rSubject"}:
+            with self.subTest(field):
+                value = f'"{evil}" <a@b>, <c{evil}@d>' if field in ("From", "To", "Cc") else evil
+                parts = mixed(text, file(evil.replace("\r\n ", "") if field == "File" else "a.txt"))
+                data = f"{field}: {value}\r\n".encode() + parts.replace(b"Subject: trait\r\n", b"")
+                (self.folder / "in").write_bytes(data)
+                out = subprocess.run([COMMAND, "reply", "in", "--from", "me@x", "-o", "-"], cwd=self.folder,
+                                     capture_output=True, check=True).stdout
+                summary, body = Message(out).body().split("\r\n\r\n")
+                self.assertEqual({line[:2] for line in body.splitlines()}, {"> "})
+                for lines in summary.split("\r\n"), self.opened(data)["summary"].split("\r\n")[:-1]:
+                    self.assertEqual({line[1:].split(":")[0] for line in lines} - {"Cc"}, labels - {"Cc"})
+                    self.assertEqual(len(lines), 5 + (field == "Cc"))
+                    self.assertTrue("".join(lines).isprintable(), lines)
+                self.assertFalse(set(out) - set(range(32, 127)) - set(b"\r\n\t\x1b"))
+
     def test_reply_refers_back_and_quotes(self):
         data = mail("日本😀\r\n\r\nB\r\n\r\n".encode(), "件名", "Message-ID: <2@x>\r\nReferences: <0@x>\r\n <1@x>\r\n")
         summary = " From:    A <a@b>\r\n To:      c@d\r\n Date:    \r\n Subject: 件名\r\n"
