@@ -1,26 +1,10 @@
 #include <string_view>
 
-#include <mailengine/model/MailDoc.h>
+#include <mailengine/model/Recipients.h>
 #include <mailengine/support/Texts.h>
 #include <mailengine/transport/Envelope.h>
 
 namespace {
-
-void AddRecipient(const CAddress* address, CStringArray& recipients) {
-    if (address != nullptr) recipients.SetAtGrow(recipients.GetSize(), address->GetMailAddress());
-}
-
-void TakeRecipients(const CMailDoc& doc, CStringArray& recipients) {
-    for (unsigned int i = 0; i < doc.GetToAddressSize(); ++i)
-        AddRecipient(doc.GetToAddress(i), recipients);
-    for (unsigned int i = 0; i < doc.GetCcAddressSize(); ++i)
-        AddRecipient(doc.GetCcAddress(i), recipients);
-    for (unsigned int i = 0; i < doc.GetBccAddressSize(); ++i)
-        AddRecipient(doc.GetBccAddress(i), recipients);
-    CAddress from;
-    doc.GetFromAddress(from);
-    if (doc.GetSenderBccFlg()) AddRecipient(&from, recipients);
-}
 
 bool IsFitToSend(const CString& name) {
     return name.View().find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
@@ -48,6 +32,8 @@ int TakeEnvelope(const CMailDoc& doc, Envelope& envelope, CString& error) {
         error = problem;
         return 0;
     }
-    TakeRecipients(doc, envelope.recipients);
+    ForEachRecipient(doc, [&](const CAddress& recipient) {
+        envelope.recipients.SetAtGrow(envelope.recipients.GetSize(), recipient.GetMailAddress());
+    });
     return 1;
 }
