@@ -167,7 +167,7 @@ public:
     // user cancelled or writing failed, and then the file is deleted and the flag is as it was.
     // A file that stood at the path is emptied before the first byte is written, so a failure or a cancel loses it, and
     // the name with it (a device stays). A host that must not lose it writes into a new file beside it that takes its
-    // place when whole; the library for hosts (hostkit) has that.
+    // place when whole: hostkit::SaveLetter does.
     int SaveAs(CWnd* parent, CFileDialog* dialog);
 
 protected:
