@@ -14,26 +14,26 @@ using Kind = MailFault::Kind;
 
 // A % stands for the name of the fault.
 struct Sentence {
-    Kind kind;
     std::string_view text;
+    Kind kind;
     bool isSearch = false;  // a NUL can hide what was searched for
 };
 constexpr Sentence kSentences[] = {
-    {Kind::kTooLong, "it has 2 GiB or more"},
-    {Kind::kEmpty, "it is empty"},
-    {Kind::kNoMimeVersion, "it has no MIME-Version 1.0", true},
-    {Kind::kOtherMimeVersion, "its MIME-Version is %, not 1.0"},
-    {Kind::kNestsTooDeep, "its parts nest deeper than can be read"},
-    {Kind::kNoBoundary, "the boundary parameter of a multipart is missing"},
-    {Kind::kNoDelimiter, "no delimiter of its boundary % is there", true},
-    {Kind::kNoClosingDelimiter, "the closing delimiter is missing of boundary %", true},
-    {Kind::kPartWithoutName, "a part of type % in a multipart/mixed has no name"},
-    {Kind::kImageWithoutName, "an image (%) has no name"},
-    {Kind::kNoEmptyLine, "no empty line stands behind its fields", true},
-    {Kind::kLastFileIsEmpty, "the last attachment is empty, and its empty line belongs to the delimiter"},
-    {Kind::kDataWithoutEnd, "the data of % has no line end behind it", true},
-    {Kind::kTextNotDecoded, "a text cannot be decoded"},
-    {Kind::kFileNotDecoded, "the attachment % cannot be decoded"},
+    {"it has 2 GiB or more", Kind::kTooLong},
+    {"it is empty", Kind::kEmpty},
+    {"it has no MIME-Version 1.0", Kind::kNoMimeVersion, true},
+    {"its MIME-Version is %, not 1.0", Kind::kOtherMimeVersion},
+    {"its parts nest deeper than can be read", Kind::kNestsTooDeep},
+    {"the boundary parameter of a multipart is missing", Kind::kNoBoundary},
+    {"no delimiter of its boundary % is there", Kind::kNoDelimiter, true},
+    {"the closing delimiter is missing of boundary %", Kind::kNoClosingDelimiter, true},
+    {"a part of type % in a multipart/mixed has no name", Kind::kPartWithoutName},
+    {"an image (%) has no name", Kind::kImageWithoutName},
+    {"no empty line stands behind its fields", Kind::kNoEmptyLine, true},
+    {"the last attachment is empty, and its empty line belongs to the delimiter", Kind::kLastFileIsEmpty},
+    {"the data of % has no line end behind it", Kind::kDataWithoutEnd, true},
+    {"a text cannot be decoded", Kind::kTextNotDecoded},
+    {"the attachment % cannot be decoded", Kind::kFileNotDecoded},
 };
 
 // A value of a message, the last bytes of a long one left out.

@@ -54,14 +54,20 @@ public:
     std::size_t Decode(std::string_view piece, unsigned char* to) {
         std::size_t made = 0;
         while (!piece.empty()) {
-            if (m_state == State::kPlain) {
-                const std::size_t run = PlainBytes(piece);
-                std::memcpy(to + made, piece.data(), run);
-                made += run;
-                if (run < piece.size()) m_state = State::kEscape;
-                piece.remove_prefix(std::min(run + 1, piece.size()));
-            } else {
+            if (m_state != State::kPlain) {
                 made += DecodeEscape(piece, to + made);
+                continue;
+            }
+            const std::size_t run = PlainBytes(piece);
+            std::memcpy(to + made, piece.data(), run);
+            made += run;
+            piece.remove_prefix(run);
+            if (piece.size() >= 3 && IsDigit(piece[1]) && IsDigit(piece[2])) {  // a whole one
+                to[made++] = ByteOf(piece[1], piece[2]);
+                piece.remove_prefix(3);
+            } else if (!piece.empty()) {
+                m_state = State::kEscape;
+                piece.remove_prefix(1);
             }
         }
         return made;
@@ -77,6 +83,9 @@ private:
         return escape == std::string_view::npos ? text.size() : escape;
     }
 
+    // Whether it counts as a digit behind an escape character, be it one or not.
+    static bool IsDigit(char c) { return c != Form::kEscape && !(Form::kSoftLineBreaks && c == '\r'); }
+
     // Takes what belongs to the escape from the top of piece. An escape character inside starts anew. The result is
     // the bytes written, 0 or 1.
     std::size_t DecodeEscape(std::string_view& piece, unsigned char* to) {
@@ -89,7 +98,7 @@ private:
             }
             if (c == Form::kEscape) {
                 m_state = State::kEscape;
-            } else if (Form::kSoftLineBreaks && c == '\r') {
+            } else if (!IsDigit(c)) {
                 m_state = State::kLineFeed;
             } else if (m_state == State::kDigit) {
                 *to = ByteOf(m_first, c);
