@@ -1,0 +1,144 @@
+#include <algorithm>
+#include <hostkit/files/FileName.h>
+#include <hostkit/gateway/Dialect.h>
+#include <hostkit/gateway/Gateway.h>
+#include <hostkit/gateway/Reading.h>
+#include <hostkit/gateway/Writer.h>
+#include <hostkit/gateway/entities/Addresses.h>
+#include <hostkit/gateway/entities/Entity.h>
+#include <hostkit/gateway/text/EncodedWords.h>
+#include <iterator>
+
+namespace hostkit {
+namespace {
+
+using namespace gateway;
+
+constexpr const char* kTooLarge = "is 2 GiB or larger, which no message may be; give single messages";
+constexpr const char* kTooLargeInside = "holds more than 2 GiB once its attachments are written for the engine";
+constexpr const char* kEmpty = "is empty; a message begins with header fields";
+
+// Old systems end lines by CR alone.
+void EndLines(std::string& text) {
+    if (text.find('\n') == std::string::npos) std::replace(text.begin(), text.end(), '\r', '\n');
+}
+
+std::vector<Mailbox> AddressesOf(const Header& header, std::string_view name) {
+    std::vector<Mailbox> mailboxes;
+    for (const Field& field : header.fields)
+        if (EqualNames(field.name, name)) ReadAddresses(field.raw, mailboxes);
+    return mailboxes;
+}
+
+std::string TextOf(const Header& header, std::string_view name) {
+    const Field* const field = header.Find(name);
+    return field == nullptr ? "" : DecodeWords(Unfold(field->raw), Words::Text);
+}
+
+void WriteHeader(const Header& header, Passed& passed, Writer& writer) {
+    passed.replyTo = AddressesOf(header, "Reply-To");
+    const std::string answered = TextOf(header, "In-Reply-To");
+    const std::string references = TextOf(header, "References");
+    writer.AddText("Date", TextOf(header, "Date"));
+    writer.AddAddresses("From", AddressesOf(header, "From"));
+    writer.AddAddresses("Reply-To", passed.replyTo);
+    writer.AddAddresses("To", AddressesOf(header, "To"));
+    writer.AddAddresses("Cc", AddressesOf(header, "Cc"));
+    writer.AddText("Subject", TextOf(header, "Subject"));
+    writer.AddText("Message-ID", TextOf(header, "Message-ID"));
+    writer.AddText("In-Reply-To", answered);
+    // RFC 5322 3.6.4: an answer to a mail that names the mail it answers, and no others, refers to both.
+    const bool isOne = std::count(answered.begin(), answered.end(), '<') == 1;
+    writer.AddText("References", references.empty() && isOne ? answered : references);
+}
+
+void WriteFiles(const Reading& reading, const GatewayLimits& limits, Passed& passed, Writer& writer) {
+    UniqueFileNames names;
+    for (const Attached& file : reading.files) {
+        const std::string data = DataOf(*file.entity);
+        if (writer.Size() > limits.bytes - std::min(limits.bytes, data.size() / 3 * 4 + data.size() / 20)) {
+            passed.refusal = kTooLargeInside;
+            return;
+        }
+        std::string name = CleanFileName(file.name);
+        name = names.Take(name.empty() ? "_" : name);
+        writer.AddFile(name, data);
+        passed.files.push_back({std::move(name), file.isMade ? "" : file.name, file.entity->content.type, data.size()});
+    }
+}
+
+void Rewrite(std::string_view text, const GatewayLimits& limits, Passed& passed) {
+    const Tree tree = ReadTree(text, {limits.depth, limits.parts});
+    Reading reading = Read(tree);
+    Writer writer(passed.characters);
+    WriteHeader(tree.root.header, passed, writer);
+    writer.BeginBody(reading.text, reading.files.size());
+    WriteFiles(reading, limits, passed, writer);
+    if (!passed.refusal.empty()) return;
+    passed.message = writer.Take();
+    passed.changed = true;
+    passed.alternatives = std::move(reading.alternatives);
+    passed.notices = std::move(reading.notices);
+    const std::size_t replaced = passed.characters.Replaced();
+    if (replaced > 0) passed.notices.push_back({Notice::Kind::Replaced, std::to_string(replaced)});
+}
+
+std::string WithCrlf(std::string_view text) {
+    std::string lines;
+    lines.reserve(text.size() + text.size() / 32);
+    for (const char c : text) {
+        if (c == '\n') lines += '\r';
+        lines += c;
+    }
+    return lines;
+}
+
+// Takes a message of the dialect over. Stores of this system end lines by LF alone, which is no difference.
+bool PassAsItIs(std::string& message, const GatewayLimits& limits, Passed& passed) {
+    if (message.find('\r') == std::string::npos) {
+        std::string lines = WithCrlf(message);
+        if (lines.size() > limits.bytes || !IsInDialect(lines)) return false;
+        message = std::move(lines);
+    } else if (!IsInDialect(message)) {
+        return false;
+    }
+    std::size_t bodyTop = 0;
+    passed.replyTo = AddressesOf(ReadHeader(message, bodyTop), "Reply-To");
+    passed.message = std::move(message);
+    return true;
+}
+
+}  // namespace
+
+std::string Notice::Sentence() const {
+    switch (kind) {
+        case Kind::Cut:
+            return "the message is cut off, or a closing delimiter is missing";
+        case Kind::TooDeep:
+            return "parts nest too deep; what lies there is attached as it came";
+        case Kind::TooMany:
+            return detail + " parts are left out; a message has too many";
+        case Kind::UnknownEncoding:
+            return "a part stays encoded; its transfer encoding '" + detail + "' is not known";
+        case Kind::UnknownBytes:
+            return "in " + detail + " places the text holds bytes that are no characters";
+        case Kind::Encrypted:
+            return "the text is encrypted or sealed, and lies in an attachment";
+        case Kind::Replaced:
+            return detail + " characters are shown as 〓; a message may hold 1880 different ones that are not Japanese";
+    }
+    return "";
+}
+
+Passed PassThrough(std::string message, const GatewayLimits& limits) {
+    Passed passed;
+    if (message.size() > limits.bytes) passed.refusal = kTooLarge;
+    if (message.find_first_not_of("\r\n") == std::string::npos) passed.refusal = kEmpty;
+    if (!passed.refusal.empty()) return passed;
+    EndLines(message);
+    message.erase(0, TopOfMessage(message));
+    if (!PassAsItIs(message, limits, passed)) Rewrite(message, limits, passed);
+    return passed;
+}
+
+}  // namespace hostkit

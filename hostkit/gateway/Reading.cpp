@@ -1,0 +1,251 @@
+#include <algorithm>
+#include <hostkit/files/MediaTypes.h>
+#include <hostkit/gateway/Reading.h>
+#include <hostkit/gateway/text/Charsets.h>
+#include <hostkit/gateway/text/EncodedWords.h>
+#include <hostkit/gateway/text/Flowed.h>
+#include <hostkit/gateway/text/Html.h>
+#include <hostkit/gateway/text/Transfer.h>
+
+namespace hostkit::gateway {
+namespace {
+
+constexpr std::string_view kEncryptedLine = "（このメールは暗号化されています。本文は添付ファイルの中にあります。）\n";
+constexpr std::string_view kSealedLine =
+    "（このメールは署名の中に包まれています。本文は添付ファイルの中にあります。）\n";
+constexpr std::string_view kHtmlName = "本文.html";
+constexpr std::string_view kMadeName = "添付";
+
+bool IsHtml(const Content& content) {
+    return content.Is("text/html") || content.Is("application/xhtml+xml");
+}
+
+// A leaf that people read: what a multipart that could not be taken apart holds is text too.
+bool IsReadable(const Content& content) {
+    return content.IsMultipart() || IsHtml(content) || content.Is("text/plain") || content.Is("text/enriched") ||
+           content.Is("text/richtext") || content.Is("text/markdown");
+}
+
+bool IsLetter(const Entity& entity) {
+    return IsReadable(entity.content) && !entity.content.isAttachment && entity.content.name.empty();
+}
+
+bool IsSealed(const Content& content) {
+    return content.Is("application/pkcs7-mime") || content.Is("application/x-pkcs7-mime");
+}
+
+bool IsWhite(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+// A text that only claims to be Base64 is given as it stands.
+bool IsBase64(std::string_view text) {
+    const auto others = std::count_if(text.begin(), text.end(), [](char c) {
+        return !g_ascii_isalnum(c) && std::string_view("+/= \t\r\n").find(c) == std::string_view::npos;
+    });
+    const auto blanks = std::count(text.begin(), text.end(), ' ');
+    return static_cast<std::size_t>(others + blanks) * 16 <= text.size();
+}
+
+// Programs label what they do not know as text.
+bool IsText(std::string_view data) {
+    const auto controls = std::count_if(data.begin(), data.end(), [](char c) {
+        return c >= '\0' && c < ' ' && std::string_view("\t\n\r\f\x1b").find(c) == std::string_view::npos;
+    });
+    return static_cast<std::size_t>(controls) * 100 <= data.size();
+}
+
+class Reader {
+public:
+    Reading Read(const Tree& tree) {
+        if (tree.isCut) Tell(Notice::Kind::Cut);
+        if (tree.isDeep) Tell(Notice::Kind::TooDeep);
+        if (tree.left > 0) Tell(Notice::Kind::TooMany, std::to_string(tree.left));
+        const bool isOneText = tree.root.parts.empty() && IsReadable(tree.root.content);
+        if (isOneText && (tree.root.content.name.empty() || IsText(DataOf(tree.root))))
+            TakeText(tree.root);
+        else
+            Take(tree.root);
+        if (m_texts == 0) TakeNamedText();
+        if (m_faults > 0) Tell(Notice::Kind::UnknownBytes, std::to_string(m_faults));
+        NameFiles();
+        return std::move(m_reading);
+    }
+
+private:
+    void Tell(Notice::Kind kind, std::string detail = "") { m_reading.notices.push_back({kind, std::move(detail)}); }
+
+    void Take(const Entity& entity) {
+        const Content& content = entity.content;
+        if (entity.parts.empty()) return TakeLeaf(entity);
+        if (content.Is("multipart/alternative")) return TakeAlternative(entity);
+        if (content.Is("multipart/related")) return TakeOne(entity, RootOf(entity));
+        if (content.Is("multipart/signed") || content.Is("multipart/report")) return TakeOne(entity, entity.parts[0]);
+        if (content.Is("multipart/encrypted")) {
+            AddText(kEncryptedLine);
+            Tell(Notice::Kind::Encrypted);
+            for (const Entity& part : entity.parts)
+                AttachAll(part);
+            return;
+        }
+        for (const Entity& part : entity.parts)
+            Take(part);
+    }
+
+    void TakeLeaf(const Entity& leaf) {
+        if (IsLetter(leaf)) return TakeText(leaf);
+        if (IsSealed(leaf.content)) {
+            const bool isOpen = leaf.content.smimeType == "signed-data";
+            AddText(isOpen ? kSealedLine : kEncryptedLine);
+            Tell(Notice::Kind::Encrypted);
+        }
+        Attach(leaf);
+    }
+
+    // One part is the text; the others serve it.
+    void TakeOne(const Entity& entity, const Entity& chosen) {
+        Take(chosen);
+        for (const Entity& part : entity.parts)
+            if (&part != &chosen) AttachAll(part);
+    }
+
+    static const Entity& RootOf(const Entity& related) {
+        const std::string& start = related.content.start;
+        const auto named = std::find_if(related.parts.begin(), related.parts.end(),
+                                        [&](const Entity& part) { return part.content.id == start; });
+        return start.empty() || named == related.parts.end() ? related.parts[0] : *named;
+    }
+
+    void TakeAlternative(const Entity& entity) {
+        const Entity* chosen = nullptr;
+        for (const Entity& part : entity.parts)
+            if (chosen == nullptr && HoldsText(part, true)) chosen = &part;
+        for (auto part = entity.parts.rbegin(); chosen == nullptr && part != entity.parts.rend(); ++part)
+            if (HoldsText(*part, false)) chosen = &*part;
+        if (chosen == nullptr) chosen = &entity.parts[0];
+        Take(*chosen);
+        for (const Entity& part : entity.parts)
+            if (&part != chosen) PassOver(part, true);
+    }
+
+    // Whether the text of an entity is there and not blank; plain alone, or of any kind.
+    static bool HoldsText(const Entity& entity, bool plain) {
+        if (!entity.parts.empty())
+            return std::any_of(entity.parts.begin(), entity.parts.end(),
+                               [&](const Entity& part) { return HoldsText(part, plain); });
+        return IsLetter(entity) && (!plain || !IsHtml(entity.content)) && !IsWhite(entity.body);
+    }
+
+    // Another form of a text that was given already. What serves it, its pictures for instance, is still there for who
+    // wants it.
+    void PassOver(const Entity& entity, bool isForm) {
+        if (entity.parts.empty() && (isForm || IsLetter(entity))) {
+            m_reading.alternatives.push_back(entity.content.type);
+            return;
+        }
+        if (entity.parts.empty()) return Attach(entity);
+        for (const Entity& part : entity.parts)
+            PassOver(part, false);
+    }
+
+    void AttachAll(const Entity& entity) {
+        if (entity.parts.empty()) return Attach(entity);
+        for (const Entity& part : entity.parts)
+            AttachAll(part);
+    }
+
+    void Attach(const Entity& entity) {
+        TellEncoding(entity);
+        m_reading.files.push_back({&entity, entity.content.name, false});
+    }
+
+    // A letter that bears a name, and is all there is to read.
+    void TakeNamedText() {
+        const auto found = std::find_if(m_reading.files.begin(), m_reading.files.end(), [](const Attached& file) {
+            const Content& content = file.entity->content;
+            return IsReadable(content) && !content.isAttachment && IsText(DataOf(*file.entity));
+        });
+        if (found == m_reading.files.end()) return;
+        const Entity& entity = *found->entity;
+        m_reading.files.erase(found);
+        TakeText(entity);
+    }
+
+    void TakeText(const Entity& entity) {
+        TellEncoding(entity);
+        const std::string data = DataOf(entity);
+        std::string text = ReadText(entity.content, data);
+        AddText(text);
+        if (!IsHtml(entity.content)) return;
+        const bool isNamed = !entity.content.name.empty();
+        m_reading.files.push_back({&entity, isNamed ? entity.content.name : std::string(kHtmlName), !isNamed});
+    }
+
+    std::string ReadText(const Content& content, std::string_view data) {
+        if (IsHtml(content)) {
+            const std::string charset = content.charset.empty() ? CharsetInHtml(data) : content.charset;
+            return HtmlToText(TextToUtf8(data, charset, m_faults));
+        }
+        const std::string text = TextToUtf8(data, content.charset, m_faults);
+        return content.isFlowed ? Unflow(text, content.isDelSp) : text;
+    }
+
+    void AddText(std::string_view text) {
+        ++m_texts;
+        constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+        if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+        std::string& all = m_reading.text;
+        if (!all.empty() && !all.ends_with('\n')) all += '\n';
+        all += text;
+    }
+
+    void TellEncoding(const Entity& entity) {
+        const std::string& unknown = entity.content.unknownEncoding;
+        if (!unknown.empty()) Tell(Notice::Kind::UnknownEncoding, unknown);
+    }
+
+    // Attached mails are called by their subject, all else without a name by its number and type.
+    void NameFiles() {
+        int number = 0;
+        for (Attached& file : m_reading.files) {
+            if (!file.name.empty()) continue;
+            file.isMade = true;
+            const Content& content = file.entity->content;
+            const bool isMail = content.Is("message/rfc822") || content.Is("message/global");
+            if (isMail) file.name = SubjectOf(DataOf(*file.entity));
+            if (file.name.empty()) file.name = std::string(kMadeName) + std::to_string(++number);
+            file.name += isMail ? ".eml" : ExtensionFor(content);
+        }
+    }
+
+    static std::string ExtensionFor(const Content& content) {
+        if (content.type.starts_with("message/") || content.Is("text/rfc822-headers")) return ".txt";
+        std::string extension = ExtensionForType(content.type);
+        if (!extension.empty()) return extension;
+        return content.IsText() ? ".txt" : ".bin";
+    }
+
+    static std::string SubjectOf(std::string_view mail) {
+        std::size_t bodyTop = 0;
+        const Header header = ReadHeader(mail.substr(TopOfMessage(mail)), bodyTop);
+        const Field* const subject = header.Find("Subject");
+        return subject == nullptr ? "" : DecodeWords(Unfold(subject->raw), Words::Text);
+    }
+
+    Reading m_reading;
+    int m_texts = 0;
+    std::size_t m_faults = 0;
+};
+
+}  // namespace
+
+Reading Read(const Tree& tree) {
+    return Reader().Read(tree);
+}
+
+std::string DataOf(const Entity& leaf) {
+    if (leaf.content.encoding == GMIME_CONTENT_ENCODING_BASE64 && !IsBase64(leaf.body)) return std::string(leaf.body);
+    return DecodeTransfer(leaf.body, leaf.content.encoding);
+}
+
+}  // namespace hostkit::gateway

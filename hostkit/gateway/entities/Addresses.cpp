@@ -1,0 +1,92 @@
+#include <hostkit/gateway/entities/Addresses.h>
+#include <hostkit/gateway/entities/Fields.h>
+#include <hostkit/gateway/entities/ParserOptions.h>
+#include <hostkit/gateway/text/EncodedWords.h>
+#include <memory>
+
+namespace hostkit::gateway {
+namespace {
+
+// GMime calls itself for a group in a group, which no RFC knows: a field of many would overrun its stack.
+constexpr int kMaxGroups = 2000;
+
+// Makes every colon that cannot open a group, and every semicolon that cannot close one, a comma.
+class GroupGuard {
+public:
+    static std::string Guard(std::string_view field) {
+        GroupGuard guard(field);
+        for (std::size_t i = 0; i < field.size(); ++i)
+            guard.m_guarded += guard.Take(i);
+        return std::move(guard.m_guarded);
+    }
+
+private:
+    explicit GroupGuard(std::string_view field) : m_field(field), m_lastAngle(field.rfind('>')) {}
+
+    char Take(std::size_t at) {
+        const char c = m_field[at];
+        if (m_escaped || c == '\\') {
+            m_escaped = !m_escaped;
+        } else if (c == '"') {
+            m_quoted = !m_quoted;
+        } else if (!m_quoted && c == '<') {
+            m_angle = m_lastAngle != std::string_view::npos && at < m_lastAngle;
+        } else if (!m_quoted && c == '>') {
+            m_angle = false;
+        } else if (c == ':') {
+            return TakeColon();
+        } else if (c == ';' && !m_quoted && !m_angle) {
+            const bool closes = m_group;
+            m_group = false;
+            return closes ? c : ',';
+        }
+        return c;
+    }
+
+    char TakeColon() {
+        if (++m_colons > kMaxGroups) return ',';
+        if (m_quoted || m_angle) return ':';
+        if (m_group) return ',';
+        m_group = true;
+        return ':';
+    }
+
+    std::string_view m_field;
+    std::size_t m_lastAngle;
+    std::string m_guarded;
+    bool m_escaped = false;
+    bool m_quoted = false;
+    bool m_angle = false;
+    bool m_group = false;
+    int m_colons = 0;
+};
+
+using AddressList = std::unique_ptr<InternetAddressList, decltype(&g_object_unref)>;
+
+std::string TextOf(const char* text) {
+    return text == nullptr ? "" : text;
+}
+
+void Collect(InternetAddressList* list, std::vector<Mailbox>& mailboxes) {
+    const int length = internet_address_list_length(list);
+    for (int i = 0; i < length; ++i) {
+        InternetAddress* const address = internet_address_list_get_address(list, i);
+        if (INTERNET_ADDRESS_IS_MAILBOX(address)) {
+            Mailbox mailbox{TextOf(internet_address_get_name(address)),
+                            TextOf(internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(address)))};
+            if (!mailbox.address.empty() || !mailbox.name.empty()) mailboxes.push_back(std::move(mailbox));
+        } else if (INTERNET_ADDRESS_IS_GROUP(address)) {
+            Collect(internet_address_group_get_members(INTERNET_ADDRESS_GROUP(address)), mailboxes);
+        }
+    }
+}
+
+}  // namespace
+
+void ReadAddresses(std::string_view raw, std::vector<Mailbox>& mailboxes) {
+    const std::string field = GroupGuard::Guard(DecodeWords(Unfold(raw), Words::Parts));
+    const AddressList list(internet_address_list_parse(Options(), field.c_str()), &g_object_unref);
+    if (list) Collect(list.get(), mailboxes);
+}
+
+}  // namespace hostkit::gateway

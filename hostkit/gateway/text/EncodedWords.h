@@ -1,0 +1,18 @@
+// EncodedWords: header text of today's mail as UTF-8: raw bytes of any charset, and the encoded words of RFC 2047 in
+// it, also where they stand inside quotes, hold blanks, or split a character between two. Stateless; any thread.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace hostkit::gateway {
+
+enum class Words {
+    Text,   // a subject: the words' text stands in their place
+    Parts,  // addresses, parameters: it stands there as a quoted string, so that nothing in it counts as structure
+};
+
+// value is unfolded.
+std::string DecodeWords(std::string_view value, Words words);
+
+}  // namespace hostkit::gateway

@@ -1,0 +1,14 @@
+// Transfer: undoes the transfer encodings (RFC 2045 6, and uuencode), by GMime's decoders. Stateless; any thread.
+#pragma once
+
+#include <gmime/gmime.h>
+#include <string>
+#include <string_view>
+
+namespace hostkit::gateway {
+
+// The bytes that were encoded; what is no part of the encoding is passed over. Any encoding but Base64,
+// quoted-printable and uuencode leaves the bytes as they are.
+std::string DecodeTransfer(std::string_view text, GMimeContentEncoding encoding);
+
+}  // namespace hostkit::gateway
