@@ -1,11 +1,15 @@
 #include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/letter/Attachment.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <mailengine/support/FileUtility.h>
 #include <mailengine/support/platform/files/Path.h>
 
 namespace hostkit {
@@ -41,6 +45,25 @@ void CheckName(const std::filesystem::path& path) {
     }
 }
 
+std::vector<CMailDoc::FileInfo> FilesOf(const CMailDoc& doc) {
+    std::vector<CMailDoc::FileInfo> files;
+    doc.GetFiles(files);
+    return files;
+}
+
+// The offset of the first NUL, -1 if there is none; what cannot be read is told by the writer.
+std::int64_t OffsetOfNul(const std::filesystem::path& path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rbe"), std::fclose);
+    std::vector<char> piece(64 * 1024);
+    std::size_t bytes = 0;
+    for (std::int64_t offset = 0; file && (bytes = std::fread(piece.data(), 1, piece.size(), file.get())) > 0;
+         offset += static_cast<std::int64_t>(bytes)) {
+        const auto* const nul = static_cast<const char*>(std::memchr(piece.data(), 0, bytes));
+        if (nul != nullptr) return offset + (nul - piece.data());
+    }
+    return -1;
+}
+
 }  // namespace
 
 CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path) {
@@ -55,10 +78,19 @@ CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path) {
     return file;
 }
 
+void CheckAttachedMails(const CMailDoc& doc) {
+    for (const CMailDoc::FileInfo& file : FilesOf(doc)) {
+        if (CFileUtility::GetFileExt(file.Path) != "eml") continue;
+        const std::filesystem::path path = platform::ToNativePath(file.Path);
+        if (const std::int64_t offset = OffsetOfNul(path); offset != -1)
+            throw Failure(FailureKind::Input, Named(path),
+                          "holds a NUL at byte " + std::to_string(offset) +
+                              ", behind which a part of it would be lost; attach it under another extension than eml");
+    }
+}
+
 void CheckAreNotTarget(const CMailDoc& doc, const OutputTarget& target) {
-    std::vector<CMailDoc::FileInfo> files;
-    doc.GetFiles(files);
-    for (const CMailDoc::FileInfo& file : files) {
+    for (const CMailDoc::FileInfo& file : FilesOf(doc)) {
         const std::string path = platform::ToNativePath(file.Path);
         struct stat status;
         if (stat(path.c_str(), &status) == 0) target.CheckIsNot(status, Named(path));

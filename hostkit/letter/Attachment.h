@@ -13,6 +13,10 @@ namespace hostkit {
 // quotes as it is (RFC 2183 2.3), so it may hold no double quote and no control character.
 CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path);
 
+// Throws Failure for an attached mail, which goes out as it is, that holds a NUL: the library's text ends there, and
+// all up to the end of the piece that was read would be missing from the message.
+void CheckAttachedMails(const CMailDoc& doc);
+
 // Throws Failure if one of the document's attachments is the file that target writes, whatever the spelling and the
 // links.
 void CheckAreNotTarget(const CMailDoc& doc, const OutputTarget& target);

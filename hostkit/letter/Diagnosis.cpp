@@ -41,7 +41,7 @@ std::string Quoted(const CString& text) {
     constexpr int kShownBytes = 80;
     static_assert(kShownBytes < MailFault::kMaxNameBytes);
     const bool isLong = text.GetLength() > kShownBytes;
-    return "'" + TextOf(text.Left(kShownBytes).View()) + (isLong ? "...'" : "'");
+    return "'" + LineShown(text.Left(kShownBytes).View()) + (isLong ? "...'" : "'");
 }
 
 // The parts and attached mails around the fault, the outermost first.

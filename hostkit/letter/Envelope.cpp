@@ -2,8 +2,10 @@
 #include <cstring>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
+#include <hostkit/letter/Attachment.h>
 #include <hostkit/letter/Envelope.h>
 #include <hostkit/letter/ProgressOperation.h>
+#include <netdb.h>
 
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/transport/MailSendRecv.h>
@@ -21,12 +23,14 @@ struct Server {
     std::string_view port;
 };
 
+// What stands in no form gives an empty host.
 Server Split(std::string_view text) {
     if (text.starts_with('[')) {
         const std::size_t bracket = text.find(']');
         if (bracket == std::string_view::npos) return {};
         const std::string_view rest = text.substr(bracket + 1);
-        return {text.substr(1, bracket - 1), rest.empty() ? kSmtpPort : rest.starts_with(':') ? rest.substr(1) : rest};
+        if (!rest.empty() && !rest.starts_with(':')) return {};
+        return {text.substr(1, bracket - 1), rest.empty() ? kSmtpPort : rest.substr(1)};
     }
     const std::size_t colon = text.find(':');
     if (colon == std::string_view::npos || text.find(':', colon + 1) != std::string_view::npos)
@@ -96,6 +100,7 @@ void CheckEnvelope(const CMailDoc& doc) {
 }
 
 std::uint64_t MessageBytes(const CMailDoc& doc) {
+    CheckAttachedMails(doc);
     CountingStream size;
     CProgressCallback progress("", 0, nullptr);
     CString error;
@@ -103,9 +108,20 @@ std::uint64_t MessageBytes(const CMailDoc& doc) {
     return size.Bytes();
 }
 
+namespace {
+
+// The library tells a number alone; below 0 it is one of the resolver's.
+std::string WordsFor(int systemError) {
+    if (systemError == 0) return "";
+    return std::string(": ") + (systemError < 0 ? gai_strerror(systemError) : std::strerror(systemError));
+}
+
+}  // namespace
+
 Outcome SendLetter(const CMailDoc& doc, const Progress& progress) {
     try {
         CheckEnvelope(doc);
+        CheckAttachedMails(doc);
         ProgressOperation operation("送信中", doc.GetMailSize(), progress);
         const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, CStringArray(), operation.Engine());
         if (result.outcome == CMailSendRecv::kTaken) {
@@ -113,7 +129,7 @@ Outcome SendLetter(const CMailDoc& doc, const Progress& progress) {
             return {};
         }
         const bool unknown = result.outcome == CMailSendRecv::kUnknown;
-        const std::string reason = LineShown(result.text.View());
+        const std::string reason = LineShown(result.text.View()) + WordsFor(result.systemError);
         // Not every cancel comes in time: one behind the end of the mail leaves a text, or changes nothing.
         if (!unknown && reason.empty()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
         throw Failure(FailureKind::Delivery, {},

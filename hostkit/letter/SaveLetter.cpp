@@ -23,6 +23,15 @@ bool IsUnreadableMail(const CString& path, const std::string& native) {
     }
 }
 
+// By reading: some files of the system tell the size 0 and hold something.
+bool IsEmpty(const std::string& native) {
+    try {
+        return ReadWhole(native, 0).empty();
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 // What keeps the reader from the written mail, empty if nothing does.
 std::string ReasonNotReadable(const CMailDoc& doc) {
     std::vector<CMailDoc::FileInfo> files;
@@ -33,15 +42,15 @@ std::string ReasonNotReadable(const CMailDoc& doc) {
             return native + " cannot be read as a mail itself (MIME-Version 1.0 and CRLF line ends are needed)";
         }
     }
-    std::error_code error;
     if (files.empty()) return "";
     const std::string last = platform::ToNativePath(files.back().Path);
-    return std::filesystem::file_size(last, error) == 0 && !error ? last + " is empty and the last attachment" : "";
+    return IsEmpty(last) ? last + " is empty and the last attachment" : "";
 }
 
 // The new file goes with its target, so nothing stays of a message that was cancelled.
 Outcome Save(const CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     CheckAreNotTarget(doc, target);
+    CheckAttachedMails(doc);
     COutputStream& stream = target.Open();
     ProgressOperation operation("保存中", doc.GetMailSize(), progress);
     CString error;

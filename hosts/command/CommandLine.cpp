@@ -5,6 +5,8 @@
 #include <hostkit/files/MessageFile.h>
 #include <unistd.h>
 
+#include "StandardFiles.h"
+
 namespace {
 
 constexpr char kStandard[] = "-";
@@ -17,10 +19,12 @@ std::string NameOfInput(const std::string& path) {
 }
 
 CString MessageAt(const std::string& path) {
+    if (path == kStandard) CheckStandardInput();
     return path == kStandard ? hostkit::ReadMessage(STDIN_FILENO, NameOfInput(path)) : hostkit::ReadMessage(path);
 }
 
 std::string TextAt(const std::string& path) {
+    if (path == kStandard) CheckStandardInput();
     std::string text = path == kStandard ? hostkit::ReadWhole(STDIN_FILENO, NameOfInput(path), hostkit::kMaxTextBytes)
                                          : hostkit::ReadWhole(path, hostkit::kMaxTextBytes);
     if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
@@ -28,6 +32,7 @@ std::string TextAt(const std::string& path) {
 }
 
 std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path) {
+    if (path == kStandard) CheckStandardOutput();
     if (path == kStandard) return std::make_unique<hostkit::OutputTarget>(STDOUT_FILENO, "standard output");
     return std::make_unique<hostkit::OutputTarget>(path);
 }

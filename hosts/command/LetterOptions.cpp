@@ -1,26 +1,19 @@
 #include "LetterOptions.h"
 
 #include "CommandLine.h"
+#include "Options.h"
 
-namespace {
-
-// Each option takes one value at a time, "[x]" and "{}" included: a value is never split or taken for a list.
-template <class Value>
-CLI::Option* AddMany(CLI::App& command, const char* name, std::vector<Value>& values, const char* help) {
-    return command.add_option(name, values, help)
-        ->expected(1)
-        ->allow_extra_args(false)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-}
-
-}  // namespace
+using options::AddMany;
+using options::Filled;
 
 void CLetterOptions::AddTo(CLI::App& command) {
     AddAddressesTo(command);
     AddTextsTo(command);
-    AddMany(command, "--attach", m_letter.attachments, "A file to attach; repeat for more. A .eml goes in as a mail")
+    Filled(AddMany(command, "--attach", m_letter.attachments,
+                   "A file to attach; repeat for more. A .eml goes in as a mail"))
         ->type_name("FILE");
-    command.add_option("--mailer", m_letter.mailer, "The name of the mail program, plain ASCII")->type_name("NAME");
+    Filled(command.add_option("--mailer", m_letter.mailer, "The name of the mail program, plain ASCII"))
+        ->type_name("NAME");
     command.add_flag("--sender-bcc", m_letter.senderBcc, "A blind copy goes to the sender too");
     command.add_flag("--upper-reply", m_letter.upperReply, "Closing and signature stand above the quoted mail");
     command.add_flag("--replace", m_bReplace, "Put 〓 for a character that a Japanese mail cannot carry");
@@ -28,8 +21,9 @@ void CLetterOptions::AddTo(CLI::App& command) {
 
 void CLetterOptions::AddAddressesTo(CLI::App& command) {
     constexpr char kAddress[] = "ADDRESS";
-    command.add_option("--from", m_letter.from, "The sender: '名前 <user@host>' or user@host")->type_name(kAddress);
-    command.add_option("--reply-to", m_letter.replyTo, "Where replies go")->type_name(kAddress);
+    Filled(command.add_option("--from", m_letter.from, "The sender: '名前 <user@host>' or user@host"))
+        ->type_name(kAddress);
+    Filled(command.add_option("--reply-to", m_letter.replyTo, "Where replies go"))->type_name(kAddress);
     AddMany(command, "--to", m_letter.to, "A recipient; repeat for more")->type_name(kAddress);
     AddMany(command, "--cc", m_letter.cc, "A recipient of a copy; repeat for more")->type_name(kAddress);
     AddMany(command, "--bcc", m_letter.bcc,
@@ -42,7 +36,7 @@ void CLetterOptions::AddTextsTo(CLI::App& command) {
     command.add_option("--dear", m_letter.dear, "The salutation")->type_name("TEXT");
     command.add_option("--greeting", m_letter.greeting, "The opening greeting")->type_name("TEXT");
     CLI::Option* body = command.add_option("--body", m_letter.body, "The body")->type_name("TEXT");
-    command.add_option("--body-file", m_strBodyFile, "A file that holds the body; - reads standard input")
+    Filled(command.add_option("--body-file", m_strBodyFile, "A file that holds the body; - reads standard input"))
         ->type_name("FILE")
         ->excludes(body);
     command.add_option("--closing", m_letter.closing, "The closing words")->type_name("TEXT");

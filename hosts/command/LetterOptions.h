@@ -13,6 +13,8 @@ public:
     // What was given, and the text of the body file if one was named. Throws hostkit::Failure if that cannot be read.
     hostkit::Letter Letter() const;
 
+    // Whether a subject was given that has no character.
+    bool HasEmptySubject() const { return m_letter.subject == ""; }
     // Whether the body comes from standard input.
     bool ReadsStandardInput() const { return m_strBodyFile == "-"; }
 

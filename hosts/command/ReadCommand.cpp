@@ -4,13 +4,15 @@
 #include <hostkit/characters/Utf8.h>
 
 #include "CommandLine.h"
-#include "Faults.h"
+#include "Messages.h"
+#include "Options.h"
 #include "ShownMail.h"
 #include "Terminal.h"
 
 CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show messages and extract attachments") {
-    m_pCommand->add_option("FILE", m_strFiles, "The messages, one in each; none or - is standard input");
-    m_pCommand->add_option("--extract", m_strFolder, "Put the attachments into this folder; made if it is missing")
+    options::AddFiles(*m_pCommand, m_strFiles, "The messages, one in each; none or - is standard input");
+    options::Filled(
+        m_pCommand->add_option("--extract", m_strFolder, "Put the attachments into this folder; made if it is missing"))
         ->type_name("DIR");
     m_pCommand->add_flag("--json", m_bJson, "One JSON object a line for each message");
     m_pCommand->add_flag("--headers", m_bHeaders, "Show the header block as it stands");
@@ -21,17 +23,8 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
 }
 
 int CReadCommand::Run() const {
-    if (m_strFolder && m_strFolder->empty()) throw CFailure("--extract '': names no folder; give one", kExitUsage);
-    int status = 0;
-    for (const std::string& path : m_strFiles.empty() ? std::vector<std::string>{"-"} : m_strFiles) {
-        try {
-            Read(path);
-        } catch (const hostkit::Failure&) {
-            status = ReportFault();
-        }
-    }
-    terminal::Finish();
-    return status;
+    return ForEachMessage(m_strFiles.empty() ? std::vector<std::string>{"-"} : m_strFiles,
+                          [this](const std::string& path) { Read(path); });
 }
 
 void CReadCommand::Read(const std::string& path) const {

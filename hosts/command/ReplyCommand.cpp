@@ -5,18 +5,21 @@
 
 #include "CommandLine.h"
 #include "Faults.h"
+#include "Options.h"
 #include "Terminal.h"
 
 void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc& doc) {
     if (file == "-" && options.ReadsStandardInput())
         throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
+    if (options.HasEmptySubject())
+        throw CFailure("--subject: is empty, and would take that of the answered mail away; leave it out", kExitUsage);
     const CString mail = MessageAt(file);
     for (const std::string& warning : hostkit::PrepareAnswer(mail, options.Letter(), doc, {.name = NameOfInput(file)}))
         terminal::Warn(warning);
 }
 
 CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Write a mail that answers another") {
-    m_pCommand->add_option("FILE", m_strFile, "The message to answer; - is standard input")->required();
+    options::AddFile(*m_pCommand, m_strFile, "The message to answer; - is standard input")->required();
     m_letter.AddTo(*m_pCommand);
     m_pCommand->add_option("-o,--output", m_strOutput, "The message file; - is standard output")
         ->type_name("FILE")

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "Faults.h"
+#include "Options.h"
 #include "ReplyCommand.h"
 #include "Terminal.h"
 #include "TerminalProgress.h"
@@ -32,10 +33,11 @@ void Send(const CMailDoc& doc, bool quiet) {
 
 CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send a mail to a mail server") {
     m_letter.AddTo(*m_pCommand);
-    m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given")
+    options::Filled(m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given"))
         ->type_name("HOST[:PORT]")
         ->required();
-    m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input")
+    options::Filled(
+        m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input"))
         ->type_name("FILE");
     m_pCommand->add_flag("--dry-run", m_bDryRun, "Print sender, recipients and size; connect to nothing");
     m_pCommand->add_flag("--quiet", m_bQuiet, "Show no progress");

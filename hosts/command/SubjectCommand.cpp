@@ -8,27 +8,19 @@
 #include <mailengine/mailengine.h>
 
 #include "CommandLine.h"
-#include "Faults.h"
+#include "Messages.h"
+#include "Options.h"
 #include "Terminal.h"
 
 CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject", "Show the subjects of messages") {
-    m_pCommand->add_option("FILE", m_strFiles, "The messages; - is standard input")->required();
+    options::AddFiles(*m_pCommand, m_strFiles, "The messages; - is standard input")->required();
     m_pCommand->footer(
         "One line each: of one FILE the subject, of many FILE, a TAB and the subject.\n"
         "Exit status: 0, or 1 if any message could not be read; the others are still shown.");
 }
 
 int CSubjectCommand::Run() const {
-    int status = 0;
-    for (const std::string& path : m_strFiles) {
-        try {
-            ShowSubject(path);
-        } catch (const hostkit::Failure&) {
-            status = ReportFault();
-        }
-    }
-    terminal::Finish();
-    return status;
+    return ForEachMessage(m_strFiles, [this](const std::string& path) { ShowSubject(path); });
 }
 
 void CSubjectCommand::ShowSubject(const std::string& path) const {

@@ -8,6 +8,7 @@
 #include "ReplyCommand.h"
 #include "SendCommand.h"
 #include "SignalGuard.h"
+#include "StandardFiles.h"
 #include "SubjectCommand.h"
 #include "Terminal.h"
 #include "WriteCommand.h"
@@ -54,6 +55,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (!OpenMissingStandardFiles()) return kExitFailed;
     // A closed pipe and a file that grows too large are failed writes, with their line on stderr.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);

@@ -156,6 +156,27 @@ class ReadTest(unittest.TestCase):
         lines = self.run_it("subject", *files, status=1, complaints=complaints)
         self.assertEqual(lines, b"good\tone\nbad\ttwo\ngood\tone\n")
 
+    def test_a_file_is_named_as_it_stands(self):
+        for name in "[a]", "[a,b]", "[]", "{}", "a":
+            (self.folder / name).write_bytes(mail(subject=f"s {name}"))
+            self.assertEqual(self.run_it("subject", name).decode(), f"s {name}\n")
+            self.assertEqual(self.opened(b"", name)["file"], name)
+        for arguments in (["read", ""], ["read", "a", "--extract", ""], ["subject", "a", ""], ["reply", "", "-o", "-"],
+                          ["reply", "a", "-o", "-", "--subject", ""], ["reply", "a", "-o", "-", "--body-file", ""],
+                          ["send", "--server", "h", "--answer", ""], ["send", "--server", ""]):
+            self.run_it(*arguments, status=2, complaints=["is empty"])
+
+    def test_memory_that_ends_at_one_message_ends_that_alone(self):
+        limited = ["prlimit", "--as=60000000", COMMAND]
+        if subprocess.run([*limited, "--help"], capture_output=True).returncode != 0:
+            self.skipTest("a sanitizer takes more address space")
+        (self.folder / "big").write_bytes(mail(b"x" * 78 * 800000))
+        (self.folder / "small").write_bytes(mail(subject="s"))
+        for command, shown in ("read", b" Subject: s\n"), ("subject", b"small\ts\n"):
+            out = subprocess.run([*limited, command, "small", "big", "small"], cwd=self.folder, capture_output=True)
+            self.assertEqual((out.returncode, out.stdout.count(shown)), (1, 2))
+            self.assertEqual(out.stderr, b"mailengine: big: there is not enough memory to read it\n")
+
     def test_nothing_of_the_answered_mail_adds_a_field(self):
         evil = word(b"x\r\nBcc: evil@x\0\x1by", "utf-8")
         data = mail(subject=evil, sender=f'"{evil}\\\\" <a@b>', to=f'{evil} <c{evil}@d>, e@f> SIZE=1, "g" <g@h>',

@@ -47,6 +47,27 @@ class WriteTest(unittest.TestCase):
     def assert_only(self, *names):
         self.assertEqual(sorted(os.listdir(self.folder)), sorted(names))
 
+    def test_missing_standard_files_are_refused_and_no_file_takes_their_numbers(self):
+        (self.folder / "mail.eml").write_bytes(b"Subject: s\r\nMIME-Version: 1.0\r\n\r\nx\r\n")
+        (self.folder / "empty").touch()
+        reply = "reply mail.eml --from c@d -o out.eml "
+        for command, status in ((reply + "--body-file - <&-", 1), ("read <&-", 1), ("write -o - >&-", 1),
+                                ("read mail.eml >&-", 1), (reply + "--attach empty <&- >&- 2>&-", 0)):
+            with self.subTest(command):
+                self.out.unlink(missing_ok=True)
+                result = subprocess.run(f"{COMMAND} {command}", shell=True, cwd=self.folder, capture_output=True)
+                self.assertEqual((result.returncode, self.out.exists()), (status, status == 0))
+                self.assertEqual(b"standard" in result.stderr, status == 1, result.stderr)
+        self.assertEqual(Message(self.out.read_bytes()).attachments(), [("empty", b"")])
+
+    def test_an_attached_mail_with_a_nul_is_refused_before_anything_is_written(self):
+        self.out.write_bytes(b"old")
+        (self.folder / "in.eml").write_bytes(b"x" * 70000 + b"\0" + b"x" * 3000)
+        self.assert_fails(self.write("--attach", "in.eml", "-o", "out.eml"), 1, "--attach in.eml: ", "NUL at byte 70000,")
+        self.assert_fails(self.run_it("send", "--server", "h", "--from", "a@b", "--to", "c@d", "--attach", "in.eml",
+                                      "--dry-run"), 1, "NUL at byte 70000,")
+        self.assertEqual(self.out.read_bytes(), b"old")
+
     def test_help_on_every_level(self):
         for arguments, word in (["--help"], b"write"), (["write", "--help"], b"--body-file"):
             result = self.run_it(*arguments)

@@ -1,0 +1,34 @@
+#include "StandardFiles.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <hostkit/characters/Failure.h>
+#include <unistd.h>
+
+namespace {
+
+void Check(int descriptor, int wrongWay, const char* name) {
+    const int flags = fcntl(descriptor, F_GETFL);
+    if (flags != -1 && (flags & O_ACCMODE) != wrongWay) return;
+    throw hostkit::Failure(hostkit::FailureKind::Target, {hostkit::Field::None, name},
+                           "is closed; open it, or name a file");
+}
+
+}  // namespace
+
+int OpenMissingStandardFiles() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) != -1) continue;
+        // The lowest number that is free is the one that is missing.
+        if (open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY) != descriptor) return 0;
+    }
+    return 1;
+}
+
+void CheckStandardInput() {
+    Check(STDIN_FILENO, O_WRONLY, "standard input");
+}
+
+void CheckStandardOutput() {
+    Check(STDOUT_FILENO, O_RDONLY, "standard output");
+}
