@@ -7,6 +7,7 @@
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/files/DescriptorStream.h>
+#include <hostkit/files/Descriptors.h>
 #include <hostkit/files/FileName.h>
 #include <hostkit/files/InputFile.h>
 #include <hostkit/files/MediaTypes.h>

@@ -17,6 +17,7 @@ enum class FailureKind {
     Message,    // what was read is no mail, or too large to be one
     SameFile,   // a file would be read while it is written
     Target,     // a place to write to is none, or may not be written
+    Unkept,     // a file cannot be replaced without losing its owner, group, permissions or access list
     Output,     // writing failed
     Delivery,   // a server did not take the mail
     System,     // this machine lacks what the work needs

@@ -1,6 +1,5 @@
-#include <cerrno>
 #include <hostkit/files/DescriptorStream.h>
-#include <unistd.h>
+#include <hostkit/files/Descriptors.h>
 
 namespace hostkit {
 
@@ -22,14 +21,7 @@ int DescriptorStream::WriteString(const char* text) {
 }
 
 void DescriptorStream::Flush() {
-    for (std::size_t done = 0; done < m_strBuffer.size() && m_nError == 0;) {
-        const ssize_t count = write(m_nDescriptor, m_strBuffer.data() + done, m_strBuffer.size() - done);
-        if (count >= 0) {
-            done += static_cast<std::size_t>(count);
-        } else if (errno != EINTR) {
-            m_nError = errno;
-        }
-    }
+    if (m_nError == 0) m_nError = WriteAll(m_nDescriptor, m_strBuffer);
     m_strBuffer.clear();
 }
 

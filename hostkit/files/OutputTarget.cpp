@@ -20,25 +20,35 @@ std::string RealPath(const std::string& path) {
 
 }  // namespace
 
-OutputTarget::OutputTarget(const std::filesystem::path& path) : m_strShown(path) {
-    std::error_code none;
-    const std::filesystem::path absolute = std::filesystem::absolute(path, none);
-    m_strPath = none || path.empty() ? path : absolute;
-    LookAtFile();
+OutputTarget::OutputTarget(const std::filesystem::path& path, Unkept unkept) : m_strShown(path), m_unkept(unkept) {
+    if (const std::optional<int> number = DescriptorNamedBy(path); number)
+        LookAtDescriptor(*number);
+    else
+        LookAtFile(path);
 }
 
-OutputTarget::OutputTarget(int descriptor, const std::string& name) : m_strShown(name), m_nDescriptor(descriptor) {
+OutputTarget::OutputTarget(int descriptor, const std::string& name) : m_strShown(name) {
+    LookAtDescriptor(descriptor);
+}
+
+OutputTarget::~OutputTarget() = default;
+
+void OutputTarget::LookAtDescriptor(int number) {
+    if (number < 0) Refuse(FailureKind::Target, m_strShown, "is open in another program; name its file");
+    m_straight = SecondFor(number);
     struct stat status;
-    if (fstat(descriptor, &status) != 0) Refuse(FailureKind::Target, m_strShown, "is closed; open it, or name a file");
+    if (!m_straight || fstat(number, &status) != 0)
+        Refuse(FailureKind::Target, m_strShown, "is closed; open it, or name a file");
+    if ((fcntl(number, F_GETFL) & O_ACCMODE) == O_RDONLY)
+        Refuse(FailureKind::Target, m_strShown, "is open for reading alone; open it for writing, or name a file");
     m_status = status;
 }
 
-OutputTarget::~OutputTarget() {
-    if (m_bOwned) close(m_nDescriptor);
-}
-
-void OutputTarget::LookAtFile() {
+void OutputTarget::LookAtFile(const std::filesystem::path& path) {
     struct stat status;
+    std::error_code none;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, none);
+    m_strPath = none || path.empty() ? path : absolute;
     if (m_strPath.empty() || m_strPath.back() == '/')
         Refuse(FailureKind::Target, "'" + m_strShown + "'", "names no file; give a file");
     if (stat(m_strPath.c_str(), &status) != 0) {
@@ -54,28 +64,38 @@ void OutputTarget::LookAtFile() {
         Refuse(FailureKind::Target, m_strShown,
                std::string("may not be written: ") + std::strerror(errno) + "; name another file");
     }
-    if (S_ISREG(status.st_mode)) m_strPath = RealPath(m_strPath);
+    if (!S_ISREG(status.st_mode)) return;
+    CheckIsNotStandard();
+    m_strPath = RealPath(m_strPath);
+}
+
+void OutputTarget::CheckIsNotStandard() const {
+    for (const int number : {STDOUT_FILENO, STDERR_FILENO}) {
+        struct stat status;
+        if (fstat(number, &status) != 0 || !IsTarget(status)) continue;
+        Refuse(FailureKind::Target, m_strShown,
+               std::string("is the file that standard ") + (number == STDOUT_FILENO ? "output" : "error") +
+                   " goes to; name another file, or the output itself");
+    }
+}
+
+bool OutputTarget::IsTarget(const struct stat& status) const {
+    return m_status && m_status->st_dev == status.st_dev && m_status->st_ino == status.st_ino;
 }
 
 void OutputTarget::CheckIsNot(const struct stat& status, const Place& where) const {
-    if (!m_status || m_status->st_dev != status.st_dev || m_status->st_ino != status.st_ino) return;
-    throw Failure(FailureKind::SameFile, where, "is also the file to write");
+    if (IsTarget(status)) throw Failure(FailureKind::SameFile, where, "is also the file to write");
 }
 
 COutputStream& OutputTarget::Open() {
-    const bool direct = m_status && !S_ISREG(m_status->st_mode);
-    if (direct && !m_strPath.empty()) {
-        m_nDescriptor = open(m_strPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
-        if (m_nDescriptor < 0)
+    if (!m_straight && m_status && !S_ISREG(m_status->st_mode)) {
+        m_straight = Descriptor(open(m_strPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+        if (!m_straight)
             Refuse(FailureKind::Target, m_strShown, std::string("cannot be opened: ") + std::strerror(errno));
-        m_bOwned = true;
     }
-    if (m_nDescriptor >= 0) {
-        m_pStream = std::make_unique<DescriptorStream>(m_nDescriptor);
-    } else {
-        m_pFile = std::make_unique<NewFile>(m_strPath, m_status ? &*m_status : nullptr);
-        m_pStream = std::make_unique<DescriptorStream>(m_pFile->Descriptor());
-    }
+    if (!m_straight)
+        m_pFile = std::make_unique<NewFile>(m_strPath, m_strShown, m_status ? &*m_status : nullptr, m_unkept);
+    m_pStream = std::make_unique<DescriptorStream>(m_straight ? m_straight.Number() : m_pFile->Descriptor());
     return *m_pStream;
 }
 
@@ -89,7 +109,7 @@ void OutputTarget::CheckWritten() const {
 void OutputTarget::Commit() {
     m_pStream->Close();
     CheckWritten();
-    if (m_pFile) m_pFile->Replace();
+    if (m_pFile) m_pFile->TakePlace();
 }
 
 }  // namespace hostkit

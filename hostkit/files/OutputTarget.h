@@ -1,10 +1,12 @@
 // OutputTarget: a place for a message. An existing file, also one behind a link, is replaced only by a whole message
-// (NewFile); a descriptor, a pipe or a device gets the message as it comes. One thread.
+// (NewFile); a descriptor, also one that a path names (Descriptors), a pipe or a device gets the message as it comes.
+// One thread.
 #pragma once
 
 #include <filesystem>
 #include <hostkit/characters/Failure.h>
 #include <hostkit/files/DescriptorStream.h>
+#include <hostkit/files/Descriptors.h>
 #include <hostkit/files/NewFile.h>
 #include <memory>
 #include <optional>
@@ -15,10 +17,10 @@ namespace hostkit {
 
 class HOSTKIT_API OutputTarget {
 public:
-    // Looks at path, makes and opens nothing. Throws Failure for a folder, a link to nothing, a file that may not be
-    // written.
-    explicit OutputTarget(const std::filesystem::path& path);
-    // An open descriptor, which stays open, under a name for people. Throws Failure for one that is closed.
+    // Looks at path and makes nothing. Throws Failure for a folder, a link to nothing, a file that may not be written,
+    // and for the file that standard output or standard error goes to: each would write over the other.
+    explicit OutputTarget(const std::filesystem::path& path, Unkept unkept = Unkept::Refuse);
+    // An open descriptor, which stays open, under a name for people. Throws Failure for one that cannot be written.
     OutputTarget(int descriptor, const std::string& name);
     OutputTarget(const OutputTarget&) = delete;
     OutputTarget& operator=(const OutputTarget&) = delete;
@@ -40,13 +42,16 @@ public:
     void CheckWritten() const;
 
 private:
-    void LookAtFile();
+    void LookAtFile(const std::filesystem::path& path);
+    void LookAtDescriptor(int number);
+    void CheckIsNotStandard() const;
+    bool IsTarget(const struct stat& status) const;
 
     std::string m_strShown;  // how the user named the place
     std::string m_strPath;   // the file itself, links followed; empty for a descriptor
+    Unkept m_unkept = Unkept::Refuse;
     std::optional<struct stat> m_status;
-    int m_nDescriptor = -1;  // of a place that is written straight
-    bool m_bOwned = false;   // whether this object opened it
+    Descriptor m_straight;  // of a place that gets the message as it comes
     std::unique_ptr<NewFile> m_pFile;
     std::unique_ptr<DescriptorStream> m_pStream;
 };

@@ -1,6 +1,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
@@ -36,15 +37,18 @@ PendingFile::Entry* TakeEntry() {
     return entry;
 }
 
+// One pass over the folder's files, which a removal may make incomplete. Whether it removed any.
 // What the kernel writes for getdents64; libc's readdir takes memory, which a handler may not.
-void RemoveFilesIn(int folder) noexcept {
-    alignas(dirent64) char entries[4096];
+bool RemoveFilesIn(int folder) noexcept {
+    alignas(dirent64) char entries[32 * 1024];
+    bool anyRemoved = false;
+    lseek(folder, 0, SEEK_SET);
     for (;;) {
         const long bytes = syscall(SYS_getdents64, folder, entries, sizeof entries);
-        if (bytes <= 0) return;
+        if (bytes <= 0) return anyRemoved;
         for (long at = 0; at < bytes;) {
             const auto* const entry = reinterpret_cast<const dirent64*>(entries + at);
-            unlinkat(folder, entry->d_name, 0);
+            anyRemoved |= unlinkat(folder, entry->d_name, 0) == 0;
             at += entry->d_reclen;
         }
     }
@@ -53,7 +57,8 @@ void RemoveFilesIn(int folder) noexcept {
 void RemoveFolder(const char* path) noexcept {
     const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (folder < 0) return;
-    RemoveFilesIn(folder);
+    while (RemoveFilesIn(folder)) {
+    }
     close(folder);
     rmdir(path);
 }
@@ -89,6 +94,15 @@ void RemovePendingFiles() noexcept {
     for (const PendingFile::Entry* entry = g_first; entry != nullptr; entry = entry->next)
         Remove(*entry);
     errno = error;
+}
+
+int MoveWithoutReplacing(const std::string& from, const std::string& to) noexcept {
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return -1;
+    // A file system without that has hard links.
+    if (link(from.c_str(), to.c_str()) != 0) return -1;
+    unlink(from.c_str());
+    return 0;
 }
 
 std::string NewFileName() {

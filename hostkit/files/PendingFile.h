@@ -37,6 +37,9 @@ private:
 // Removes all that is listed. Safe in a signal handler; what the interrupted program does behind it is lost.
 HOSTKIT_API void RemovePendingFiles() noexcept;
 
+// Gives the file at from the path to, which nothing may have. 0, or -1 with errno: EEXIST if something does.
+int MoveWithoutReplacing(const std::string& from, const std::string& to) noexcept;
+
 // A name that nothing has, for a PendingFile: ".mailengine-NUMBER.tmp".
 std::string NewFileName();
 

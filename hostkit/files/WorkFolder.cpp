@@ -9,20 +9,17 @@
 
 namespace hostkit {
 
-namespace {
-
-std::string NewFolderPath() {
-    const char* const parent = std::getenv("TMPDIR");
+std::filesystem::path TemporaryFolder() {
+    const char* const named = std::getenv("TMPDIR");
     std::error_code none;
-    const std::filesystem::path named(parent != nullptr && *parent != '\0' ? parent : "/tmp");
-    const std::filesystem::path absolute = std::filesystem::absolute(named, none);
-    return (none ? named : absolute) / NewFileName();
+    const std::filesystem::path folder(named != nullptr && *named != '\0' ? named : "/tmp");
+    const std::filesystem::path absolute = std::filesystem::absolute(folder, none);
+    return none ? folder : absolute;
 }
 
-}  // namespace
-
 WorkFolder::WorkFolder()
-    : m_folder(PendingFile::Kind::Folder, NewFolderPath()), m_strLibraryPath(LibraryPathOf(m_folder.Path())) {
+    : m_folder(PendingFile::Kind::Folder, TemporaryFolder() / NewFileName()),
+      m_strLibraryPath(LibraryPathOf(m_folder.Path())) {
     if (mkdir(m_folder.Path().c_str(), S_IRWXU) != 0) {
         m_folder.Release();
         throw Failure(FailureKind::System, {Field::None, m_folder.Path()},

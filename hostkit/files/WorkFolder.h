@@ -26,6 +26,9 @@ private:
     CString m_strLibraryPath;
 };
 
+// The folder for files that nobody is to keep, absolute: the one that TMPDIR names, else /tmp.
+std::filesystem::path TemporaryFolder();
+
 // The library's form of the folder, without a trailing separator. Throws Failure for one that it cannot name.
 CString LibraryPathOf(const std::filesystem::path& folder);
 

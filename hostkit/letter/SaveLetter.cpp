@@ -60,10 +60,11 @@ Outcome Save(const CMailDoc& doc, OutputTarget& target, const Progress& progress
         return {Outcome::State::Cancelled, "cancelled; the mail was not written", target.Name()};
     target.CheckWritten();
     if (!written) throw Failure(FailureKind::Input, {}, OneLine(error));
-    target.Commit();
     const std::string reason = ReasonNotReadable(doc);
-    return {Outcome::State::Done, reason.empty() ? "" : "mailengine cannot read this mail again: " + reason,
-            target.Name()};
+    Outcome done{Outcome::State::Done, reason.empty() ? "" : "mailengine cannot read this mail again: " + reason,
+                 target.Name()};
+    target.Commit();  // nothing may fail behind it
+    return done;
 }
 
 Outcome Failed(const Failure& failure, const std::filesystem::path& file) {

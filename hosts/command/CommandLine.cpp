@@ -31,8 +31,8 @@ std::string TextAt(const std::string& path) {
     return text;
 }
 
-std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path) {
+std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path, hostkit::Unkept unkept) {
     if (path == kStandard) CheckStandardOutput();
     if (path == kStandard) return std::make_unique<hostkit::OutputTarget>(STDOUT_FILENO, "standard output");
-    return std::make_unique<hostkit::OutputTarget>(path);
+    return std::make_unique<hostkit::OutputTarget>(path, unkept);
 }

@@ -16,4 +16,5 @@ CString MessageAt(const std::string& path);
 std::string TextAt(const std::string& path);
 
 // The place to write to. Throws hostkit::Failure.
-std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path);
+std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path,
+                                                hostkit::Unkept unkept = hostkit::Unkept::Refuse);

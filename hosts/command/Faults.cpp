@@ -48,6 +48,7 @@ const char* OptionOf(Field field) {
 
 const char* AdviceFor(const Failure& failure) {
     if (failure.Kind() == FailureKind::SameFile) return "; name another with -o";
+    if (failure.Kind() == FailureKind::Unkept) return "; name another file, or let --in-place write into this one";
     if (failure.Kind() != FailureKind::Uncarried) return "";
     return failure.Where().field == Field::Attachment ? "; give the file another name"
                                                       : "; take it out, or let --replace put 〓 in its place";

@@ -21,9 +21,7 @@ void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc
 CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Write a mail that answers another") {
     options::AddFile(*m_pCommand, m_strFile, "The message to answer; - is standard input")->required();
     m_letter.AddTo(*m_pCommand);
-    m_pCommand->add_option("-o,--output", m_strOutput, "The message file; - is standard output")
-        ->type_name("FILE")
-        ->required();
+    m_output.AddTo(*m_pCommand);
     m_pCommand->footer(
         "The old mail gives To (who wrote it), Cc (its other recipients), the subject with \"Re: \", and the thread.\n"
         "--to and --cc add to these, --subject replaces. The body is the old mail, quoted, and below it --body; with\n"
@@ -37,7 +35,7 @@ int CReplyCommand::Run() const {
     AnswerMail(m_strFile, m_letter, doc);
     if (doc.GetToAddressSize() == 0) terminal::Warn("the answered mail names no sender; give --to");
 
-    const std::unique_ptr<hostkit::OutputTarget> target = TargetAt(m_strOutput);
+    const std::unique_ptr<hostkit::OutputTarget> target = m_output.Target();
     struct stat status;
     if (m_strFile != "-" && stat(m_strFile.c_str(), &status) == 0)
         target->CheckIsNot(status, {hostkit::Field::None, m_strFile});

@@ -3,6 +3,7 @@
 
 #include "Command.h"
 #include "LetterOptions.h"
+#include "OutputOptions.h"
 
 // Makes doc the answer to the mail in file (- is standard input), filled by what the options give. Warns on stderr of
 // what was left out. Throws CFailure where both are standard input, and hostkit::Failure.
@@ -16,5 +17,5 @@ public:
 private:
     CLetterOptions m_letter;
     std::string m_strFile;
-    std::string m_strOutput;
+    COutputOptions m_output;
 };

@@ -1,13 +1,29 @@
 #include "Terminal.h"
 
+#include <cstring>
 #include <hostkit/characters/Utf8.h>
-#include <iostream>
+#include <hostkit/files/Descriptors.h>
+#include <unistd.h>
 
 #include "Faults.h"
 
+namespace {
+
+constexpr std::size_t kBufferBytes = 64 * 1024;
+
+std::string g_waiting;  // of the answer
+int g_error = 0;        // of the first write of the answer that failed
+
+void Flush() {
+    if (g_error == 0) g_error = hostkit::WriteAll(STDOUT_FILENO, g_waiting);
+    g_waiting.clear();
+}
+
+}  // namespace
+
 void terminal::Complain(const std::string& text) {
-    std::cout.flush();
-    std::cerr << "mailengine: " << hostkit::Shown(text) << '\n';
+    Flush();
+    (void)hostkit::WriteAll(STDERR_FILENO, "mailengine: " + hostkit::Shown(text) + '\n');
 }
 
 void terminal::Warn(const std::string& text) {
@@ -15,10 +31,11 @@ void terminal::Warn(const std::string& text) {
 }
 
 void terminal::Put(const std::string& text) {
-    std::cout << text;
+    g_waiting += text;
+    if (g_waiting.size() >= kBufferBytes) Flush();
 }
 
 void terminal::Finish() {
-    std::cout.flush();
-    if (!std::cout) throw CFailure("standard output: cannot be written");
+    Flush();
+    if (g_error != 0) throw CFailure(std::string("standard output: cannot be written: ") + std::strerror(g_error));
 }

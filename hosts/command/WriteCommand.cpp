@@ -7,9 +7,7 @@
 
 CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Write a mail to a message file") {
     m_letter.AddTo(*m_pCommand);
-    m_pCommand->add_option("-o,--output", m_strOutput, "The message file; - is standard output")
-        ->type_name("FILE")
-        ->required();
+    m_output.AddTo(*m_pCommand);
     m_pCommand->footer(
         "Texts are UTF-8. An existing FILE is replaced only by a whole message.\n"
         "Exit status: 0 written, 1 failed, 2 the command line is wrong.");
@@ -18,6 +16,6 @@ CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Wr
 int CWriteCommand::Run() const {
     CMailDoc doc;
     m_letter.Letter().Fill(doc);
-    CheckDone(hostkit::SaveLetter(doc, *TargetAt(m_strOutput)));
+    CheckDone(hostkit::SaveLetter(doc, *m_output.Target()));
     return 0;
 }

@@ -3,6 +3,7 @@
 
 #include "Command.h"
 #include "LetterOptions.h"
+#include "OutputOptions.h"
 
 class CWriteCommand : public CCommand {
 public:
@@ -11,5 +12,5 @@ public:
 
 private:
     CLetterOptions m_letter;
-    std::string m_strOutput;
+    COutputOptions m_output;
 };

@@ -3,11 +3,11 @@
 import os
 import pathlib
 import resource
-import signal
 import stat
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
@@ -169,22 +169,69 @@ class WriteTest(unittest.TestCase):
         (self.folder / "soft").symlink_to("out.eml")
         for target in "out.eml", "./out.eml", "hard", "soft", "/dev/stdout", "-":
             with self.subTest(target), open(self.out, "ab") as stdout:
-                result = self.write("--attach", "out.eml", "-o", target, capture_output=False, stdout=stdout,
+                out = stdout if target in ("/dev/stdout", "-") else subprocess.DEVNULL
+                result = self.write("--attach", "out.eml", "-o", target, capture_output=False, stdout=out,
                                     stderr=subprocess.PIPE)
                 self.assert_fails(result, 1, "--attach out.eml", "-o")
                 self.assertEqual(self.out.read_text(), "mine")
 
-    def test_a_signal_takes_the_half_message_away(self):
-        endless = self.folder / "endless"
-        endless.touch()
-        os.truncate(endless, 1 << 40)
-        for number in signal.SIGINT, signal.SIGTERM:
-            with subprocess.Popen([COMMAND, "write", "--attach", "endless", "-o", "out.eml"], cwd=self.folder) as process:
-                while process.poll() is None and len(os.listdir(self.folder)) == 1:
-                    pass
-                process.send_signal(number)
-            self.assertEqual(process.returncode, -number)
-            self.assert_only("endless")
+    def test_a_descriptor_is_written_where_it_stands(self):
+        for target in "/dev/stdout", "/dev/fd/1", "/proc/self/fd/1", "link":
+            with self.subTest(target):
+                self.out.write_text("first\n")
+                (self.folder / "link").unlink(missing_ok=True)
+                (self.folder / "link").symlink_to("/dev/stdout")
+                with open(self.out, "ab") as stdout:
+                    result = self.write("-o", target, capture_output=False, stdout=stdout, stderr=subprocess.PIPE)
+                    stdout.write(b"last\n")
+                self.assertEqual((result.returncode, result.stderr), (0, b""))
+                self.assertTrue(self.out.read_bytes().startswith(b"first\nFrom: "))
+                self.assertTrue(self.out.read_bytes().endswith(b"last\n"))
+        with open(self.out, "ab") as stdout:
+            result = self.write("-o", "out.eml", capture_output=False, stdout=stdout, stderr=subprocess.PIPE)
+        self.assert_fails(result, 1, "out.eml", "standard output")
+        self.assert_fails(self.write("-o", "/dev/fd/9"), 1, "/dev/fd/9", "closed")
+        with open(COMMAND, "rb") as stdin:
+            self.assert_fails(self.write("-o", "/dev/stdin", stdin=stdin), 1, "/dev/stdin", "reading alone")
+
+    def test_waits_for_pipes_that_do_not_block(self):
+        text_reader, text = os.pipe()
+        mail_reader, mail = os.pipe()
+        os.set_blocking(text_reader, False)
+        os.set_blocking(mail, False)
+        process = subprocess.Popen([COMMAND, "write", "--body-file", "-", "-o", "-"], stdin=text_reader, stdout=mail)
+        os.close(text_reader)
+        os.close(mail)
+        time.sleep(0.1)  # it meets an empty pipe, then a full one
+        with open(text, "wb") as pipe:
+            pipe.write(b"x" * 200_000)
+        time.sleep(0.1)
+        with open(mail_reader, "rb") as pipe:
+            self.assertIn(b"x" * 200_000, pipe.read())
+        self.assertEqual(process.wait(), 0)
+
+    def test_an_old_file_keeps_its_owner_and_rights(self):
+        if os.geteuid() != 0:
+            self.skipTest("only root can make a file of another owner")
+        self.folder.chmod(0o777)
+        as_user = {"user": 1001, "group": 1001, "extra_groups": [2000]}
+        for owner, group, mode, status in (1001, 2000, 0o660, 0), (1001, 2001, 0o660, 1), (1000, 2000, 0o660, 1):
+            with self.subTest(owner=owner, group=group):
+                self.out.write_text("old")
+                os.chown(self.out, owner, group)
+                self.out.chmod(mode | 0o006)
+                before = self.out.stat()
+                result = self.write("-o", "out.eml", **as_user)
+                self.assertEqual(result.returncode, status, result.stderr)
+                if status:
+                    self.assert_fails(result, 1, "out.eml", "owner, group", "--in-place")
+                    self.assertEqual(self.out.read_text(), "old")
+                    self.assertEqual(self.write("-o", "out.eml", "--in-place", **as_user).returncode, 0)
+                    self.assertEqual(self.out.stat().st_ino, before.st_ino)
+                self.assertTrue(self.out.read_bytes().startswith(LEADING_FIELDS))
+                after = self.out.stat()
+                self.assertEqual((after.st_uid, after.st_gid, after.st_mode), (before.st_uid, before.st_gid, before.st_mode))
+                self.assert_only("out.eml")
 
     def test_notices_that_the_output_takes_no_more(self):
         self.assert_fails(self.write("-o", "/dev/full"), 1, "/dev/full", "No space left")

@@ -19,9 +19,9 @@ TEST(PendingFile, GoesWithAProgramThatASignalEnds) {
         const hostkit::WorkFolder second;
         for (int i = 0; i < 300; ++i)
             WriteWholeFile(work.Path() / std::to_string(i), "x");
-        hostkit::NewFile file(folder / "whole", nullptr);
-        file.Replace();
-        const hostkit::NewFile half(folder / "half", nullptr);
+        hostkit::NewFile file(folder / "whole", "whole", nullptr, hostkit::Unkept::Refuse);
+        file.TakePlace();
+        const hostkit::NewFile half(folder / "half", "half", nullptr, hostkit::Unkept::Refuse);
         hostkit::RemovePendingFiles();
         _exit(0);
     }
