@@ -12,32 +12,9 @@ namespace {
 constexpr int kMaxAttachedMails = 8;  // one in another; the engine takes more, but nobody sends them
 constexpr std::size_t kMaxNameBytes = 160;
 
-// What may stand in Base64 that the engine decodes: whole groups on each line, padding at the end alone.
-constexpr std::array<bool, 256> MakeBase64Letters() {
-    std::array<bool, 256> letters{};
-    for (const char c : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/"))
-        letters[static_cast<unsigned char>(c)] = true;
-    return letters;
-}
-constexpr std::array<bool, 256> kBase64Letters = MakeBase64Letters();
-
-bool IsCleanBase64(std::string_view data) {
-    while (data.ends_with("\r\n"))
-        data.remove_suffix(2);
-    for (bool last = data.empty(); !last;) {
-        const std::size_t end = data.find('\r');
-        last = end == std::string_view::npos;
-        std::string_view line = data.substr(0, end);
-        if (line.size() % 4 != 0) return false;
-        for (int i = 0; last && i < 2 && line.ends_with('='); ++i)
-            line.remove_suffix(1);
-        bool isClean = true;
-        for (const char c : line)
-            isClean &= kBase64Letters[static_cast<unsigned char>(c)];
-        if (!isClean || (!last && data.substr(end, 2) != "\r\n")) return false;
-        data.remove_prefix(last ? data.size() : end + 2);
-    }
-    return true;
+// A NUL ends what the engine reads, and a bare LF no line.
+bool HasCleanLines(std::string_view text) {
+    return text.find('\0') == std::string_view::npos && HasCrlfLines(text);
 }
 
 bool IsHexDigit(char c) {
@@ -56,8 +33,9 @@ bool IsCleanQuotedPrintable(std::string_view data) {
 }
 
 bool IsCleanData(std::string_view data, const std::string& encoding) {
-    if (encoding == "base64") return IsCleanBase64(data);
-    return encoding != "quoted-printable" || IsCleanQuotedPrintable(data);
+    if (encoding == "base64")
+        return IsCleanBase64(data, LineEnds::Crlf) && HasCrlfLines(data.substr(data.find_last_not_of("\r\n") + 1));
+    return HasCleanLines(data) && (encoding != "quoted-printable" || IsCleanQuotedPrintable(data));
 }
 
 std::string_view DecodedText(std::string_view data, const std::string& encoding, std::string& room) {
@@ -91,16 +69,15 @@ public:
     bool Split(std::vector<std::string_view>& parts) {
         std::size_t top = std::string_view::npos;
         for (;;) {
-            const std::size_t found = m_text.find(m_delimiter, m_at);
+            const std::size_t found = FindDelimiter(m_at);
             if (found == std::string_view::npos) return false;
-            if (top == std::string_view::npos && m_text.substr(m_at, found - m_at).find(':') != std::string_view::npos)
-                return false;  // the preamble is searched for fields too
+            if (top == std::string_view::npos && !IsCleanPreamble(m_text.substr(m_at, found - m_at))) return false;
             if (top != std::string_view::npos) {
                 if (found < top) return false;
                 parts.push_back(m_text.substr(top, found - top));
             }
             const std::string_view behind = m_text.substr(found + m_delimiter.size(), 2);
-            if (behind == "--") return !parts.empty();
+            if (behind == "--") return !parts.empty() && HasCleanLines(m_text.substr(found));
             if (behind != "\r\n") return false;
             m_at = found + m_delimiter.size();
             top = m_at + 2;
@@ -108,6 +85,18 @@ public:
     }
 
 private:
+    // It is searched for fields too.
+    static bool IsCleanPreamble(std::string_view preamble) {
+        return HasCleanLines(preamble) && preamble.find(':') == std::string_view::npos;
+    }
+
+    // By its hyphens, of which Base64 has none.
+    std::size_t FindDelimiter(std::size_t from) const {
+        for (std::size_t at = m_text.find('-', from); at != std::string_view::npos; at = m_text.find('-', at + 1))
+            if (at >= from + 2 && m_text.substr(at - 2).starts_with(m_delimiter)) return at - 2;
+        return std::string_view::npos;
+    }
+
     std::string_view m_text;
     std::string m_delimiter;
     std::size_t m_at;
@@ -202,7 +191,7 @@ bool HasCrlfLines(std::string_view text) {
 }
 
 bool IsInDialect(std::string_view message) {
-    return message.find('\0') == std::string_view::npos && HasCrlfLines(message) && IsMessage(message, 0);
+    return IsMessage(message, 0);
 }
 
 }  // namespace hostkit::gateway

@@ -86,9 +86,11 @@ void Rewrite(std::string_view text, const GatewayLimits& limits, Passed& passed)
 std::string WithCrlf(std::string_view text) {
     std::string lines;
     lines.reserve(text.size() + text.size() / 32);
-    for (const char c : text) {
-        if (c == '\n') lines += '\r';
-        lines += c;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        lines.append(text, at, end - at);
+        if (end < text.size()) lines += "\r\n";
+        at = end + 1;
     }
     return lines;
 }

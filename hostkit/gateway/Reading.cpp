@@ -40,6 +40,7 @@ bool IsWhite(std::string_view text) {
 
 // A text that only claims to be Base64 is given as it stands.
 bool IsBase64(std::string_view text) {
+    if (IsCleanBase64(text, LineEnds::Any)) return true;
     const auto others = std::count_if(text.begin(), text.end(), [](char c) {
         return !g_ascii_isalnum(c) && std::string_view("+/= \t\r\n").find(c) == std::string_view::npos;
     });

@@ -11,4 +11,9 @@ namespace hostkit::gateway {
 // quoted-printable and uuencode leaves the bytes as they are.
 std::string DecodeTransfer(std::string_view text, GMimeContentEncoding encoding);
 
+enum class LineEnds { Crlf, Any };
+
+// Whether text is Base64 as the engine decodes it: whole groups on each line, padding at the end alone.
+bool IsCleanBase64(std::string_view text, LineEnds ends);
+
 }  // namespace hostkit::gateway
