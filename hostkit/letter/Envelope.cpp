@@ -56,6 +56,10 @@ std::string MailAddressOf(const CAddress& address) {
     return FromCodePage(address.GetMailAddress().View());
 }
 
+Outcome NotDone(Outcome::State state, const Failure& failure) {
+    return {state, failure.what(), {}, failure};
+}
+
 }  // namespace
 
 void SetServer(std::string_view text, CMailDoc& doc) {
@@ -128,14 +132,15 @@ Outcome SendLetter(const CMailDoc& doc, const Progress& progress) {
             operation.Complete();
             return {};
         }
-        const bool unknown = result.outcome == CMailSendRecv::kUnknown;
         const std::string reason = LineShown(result.text.View()) + WordsFor(result.systemError);
+        if (result.outcome == CMailSendRecv::kUnknown)
+            return NotDone(Outcome::State::Unknown,
+                           {FailureKind::Delivery, {}, "the server may have taken the mail: " + reason});
         // Not every cancel comes in time: one behind the end of the mail leaves a text, or changes nothing.
-        if (!unknown && reason.empty()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
-        throw Failure(FailureKind::Delivery, {},
-                      (unknown ? "the server may have taken the mail: " : "the mail was not sent: ") + reason);
+        if (reason.empty()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
+        throw Failure(FailureKind::Delivery, {}, "the mail was not sent: " + reason);
     } catch (const Failure& failure) {
-        return {Outcome::State::Failed, failure.what(), {}, failure};
+        return NotDone(Outcome::State::Failed, failure);
     }
 }
 

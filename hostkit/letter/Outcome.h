@@ -11,12 +11,17 @@
 namespace hostkit {
 
 struct Outcome {
-    enum class State { Done, Cancelled, Failed };
+    enum class State {
+        Done,
+        Cancelled,
+        Failed,
+        Unknown,  // the whole mail went out and no verdict came: the server may have taken it
+    };
 
     State state = State::Done;
     std::string text{};                // for the user, in UTF-8: a warning, empty for none, or why it was not done
     std::filesystem::path file{};      // what was, or was to be, written; empty for a mail that was sent
-    std::optional<Failure> failure{};  // of a failed work: text is its sentence
+    std::optional<Failure> failure{};  // of a work that failed or is unknown: text is its sentence
 
     explicit operator bool() const { return state == State::Done; }
 };
