@@ -1,4 +1,8 @@
+#include <algorithm>
+#include <glib.h>
 #include <hostkit/letter/Addresses.h>
+#include <iterator>
+#include <memory>
 
 #include <mailengine/encoding/Language.h>
 
@@ -6,12 +10,20 @@ namespace hostkit {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view kBlanks[] = {" ", "\t", "\u3000"};  // the last is what a Japanese keyboard gives
+constexpr std::string_view kScheme = "mailto:";
 
 std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    const auto trim = [&](std::string_view blank) {
+        const bool isBefore = text.starts_with(blank);
+        if (isBefore) text.remove_prefix(blank.size());
+        const bool isBehind = text.ends_with(blank);
+        if (isBehind) text.remove_suffix(blank.size());
+        return isBefore || isBehind;
+    };
+    while (std::any_of(std::begin(kBlanks), std::end(kBlanks), trim)) {
+    }
+    return text;
 }
 
 [[noreturn]] void Refuse(std::string_view text, Field field, const std::string& fact) {
@@ -28,11 +40,57 @@ void CheckForm(std::string_view text, Field field) {
         Refuse(text, field, "give one address, as 'name <user@host>' or user@host");
 }
 
+// Behind the local part: a quoted one may hold an @ (RFC 5322 3.4.1).
+std::size_t SeparatorIn(std::string_view address) {
+    std::size_t i = 0;
+    if (address.starts_with('"')) {
+        for (i = 1; i < address.size() && address[i] != '"'; ++i)
+            if (address[i] == '\\') ++i;
+    }
+    return address.find('@', i);
+}
+
+// Dots may stand anywhere in the local part, against RFC 5322 3.2.3: providers in Japan gave out such addresses. A
+// domain has a label between its dots and no dot at an end (RFC 5321 4.1.2).
+void CheckDomain(std::string_view address, std::string_view text, Field field) {
+    const std::size_t begin = std::min(SeparatorIn(address), address.size() - 1) + 1;
+    const auto refuse = [&](const char* what, std::size_t at) {
+        Refuse(text, field, std::string(what) + " stands behind '" + std::string(address.substr(0, at)) + "'");
+    };
+    if (begin == address.size()) refuse("no @ with a domain", begin);
+    if (const std::size_t at = address.find('@', begin); at != std::string_view::npos) refuse("a second @", at);
+    if (address[begin] == '.') refuse("a dot", begin);
+    if (const std::size_t dots = address.find("..", begin); dots != std::string_view::npos)
+        refuse("a second dot", dots + 1);
+    if (address.back() == '.') refuse("a last dot", address.size() - 1);
+}
+
 void CheckMailAddress(const CAddress& address, std::string_view text, Field field) {
     CString message;
     if (!CAddress::CheckAddress(address.GetMailAddress(), message)) Refuse(text, field, FromCodePage(message.View()));
     if (address.GetMailAddress().View().find_first_of(" ,;<>") != std::string_view::npos)
         Refuse(text, field, "a mail address holds no blank, comma, semicolon or angle bracket; give one address");
+    CheckDomain(address.GetMailAddress().View(), text, field);
+}
+
+// What a browser copies of a link (RFC 6068); fields in it are refused, since they would be lost.
+std::string WithoutScheme(std::string_view address, std::string_view text, Field field) {
+    if (g_ascii_strncasecmp(address.data(), kScheme.data(), std::min(address.size(), kScheme.size())) != 0 ||
+        address.size() < kScheme.size())
+        return std::string(address);
+    const std::string coded(address.substr(kScheme.size()));
+    if (coded.find('?') != std::string::npos) Refuse(text, field, "give the address alone, without what '?' begins");
+    const std::unique_ptr<char, decltype(&g_free)> plain(g_uri_unescape_string(coded.c_str(), nullptr), &g_free);
+    if (!plain) Refuse(text, field, "a % without two hexadecimal digits stands in it");
+    return plain.get();
+}
+
+// The same without blanks at the ends of name and address.
+std::string Tidy(std::string_view text, Field field) {
+    const std::size_t left = text.find('<');
+    if (left == std::string_view::npos) return WithoutScheme(text, text, field);
+    const std::string_view address = Trimmed(text.substr(left + 1, text.size() - left - 2));
+    return std::string(Trimmed(text.substr(0, left))) + " <" + WithoutScheme(address, text, field) + '>';
 }
 
 // A plain name goes out as a quoted string with its backslash as it is, which would quote what stands behind it (RFC
@@ -46,11 +104,11 @@ void CheckPlainName(const CAddress& address, std::string_view text, Field field)
 }  // namespace
 
 CAddress AddressOf(const std::string& text, Missing missing, Field field) {
-    const CString line = ToCodePage(text, Extent::Line, missing, {field});
+    (void)ToCodePage(text, Extent::Line, missing, {field});  // a fault is told by its column in what was typed
     const std::string_view shown = Trimmed(text);
     CheckForm(shown, field);
     CAddress address;
-    address.FromText(CString(Trimmed(line.View())));
+    address.FromText(ToCodePage(Tidy(shown, field), Extent::Line, missing, {field}));
     CheckMailAddress(address, shown, field);
     CheckPlainName(address, shown, field);
     DropQuotes(address);

@@ -10,8 +10,9 @@
 
 namespace hostkit {
 
-// The address in text: 'name <user@host>' or user@host, in UTF-8. Throws Failure for a text that holds no address, more
-// than one, or what a header field cannot carry.
+// The address in text: 'name <user@host>', user@host or mailto:user@host, in UTF-8, blanks at the ends of name and
+// address left out. Throws Failure for a text that holds no address, more than one, a malformed domain, or what a
+// header field cannot carry.
 HOSTKIT_API CAddress AddressOf(const std::string& text, Missing missing, Field field);
 
 // Takes the double quotes off that FromText leaves around a Japanese name: readers would see them.

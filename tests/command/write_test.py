@@ -103,6 +103,10 @@ class WriteTest(unittest.TestCase):
             (["--from", "山田 <a>"], ["--from", "山田 <a>", "アドレスの形式が不正です。"]),
             (["--cc", "a@b, c@d"], ["--cc"]), (["--bcc", "A <a@b>, B <c@d>"], ["--bcc"]),
             (["--reply-to", "a> <b@c>"], ["--reply-to"]), (["--to", "<a@b"], ["--to"]), (["--to", "A\\ <a@b>"], ["backslash"]),
+            (["--to", "tanaka@@example.jp"], ["a second @ stands behind 'tanaka@'"]),
+            (["--to", "tanaka@example..jp"], ["a second dot stands behind 'tanaka@example.'"]),
+            (["--to", '"a@b"@e.jp.'], ["a last dot stands behind"]), (["--to", "t@.jp"], ["a dot stands behind 't@'"]),
+            (["--to", "mailto:a@b?cc=c@d"], ["'?'"]), (["--to", "mailto:a%0Db@c"], ["one line"]),
             (["--attach", "none"], ["--attach none", "No such file"]),
             (["--attach", "."], ["regular file"]), (["--attach", "fifo"], ["regular file"]),
             (["--attach", 'a".txt'], ["double quote"]), (["--attach", "a\n.txt"], ["a\\x0A.txt", "control"]),
@@ -119,6 +123,13 @@ class WriteTest(unittest.TestCase):
         self.assertEqual(mail.subject(), "[a,b]")
         self.assertEqual(mail.body(), "--from\r\n\r\n-- ")
         self.assertEqual(mail.addresses("To"), [("", "a@b"), ("", "c@d")])
+
+    def test_takes_addresses_as_people_type_them(self):
+        cases = (("a..b@docomo.example", ("", "a..b@docomo.example")), ("x.@ezweb.example", ("", "x.@ezweb.example")),
+                 ("山田　太郎　<MAILTO:t%2Bx@e.jp>", ("山田　太郎", "t+x@e.jp")),
+                 ("　mailto:tanaka@example.jp　", ("", "tanaka@example.jp")))
+        mail = self.written(*(word for typed, _ in cases for word in ("--to", typed)))
+        self.assertEqual(mail.addresses("To"), [taken for _, taken in cases])
 
     def test_names_of_the_ibm_extension_reach_another_reader(self):
         name = "髙﨑①.txt"
