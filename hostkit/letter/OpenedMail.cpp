@@ -23,16 +23,17 @@ MailAddress MailAddressOf(const CAddress& address) {
     return {TextOf(address.GetDisplayName()), TextOf(address.GetMailAddress())};
 }
 
-std::vector<MailAddress> MailAddressesOf(const std::vector<CAddress>& addresses) {
+std::vector<MailAddress> MailAddressesOf(const CMailDoc& doc, unsigned int size, AddressAt addressAt) {
     std::vector<MailAddress> read;
-    read.reserve(addresses.size());
-    for (const CAddress& address : addresses)
-        read.push_back(MailAddressOf(address));
+    read.reserve(size);
+    for (unsigned int i = 0; i < size; ++i)
+        read.push_back(MailAddressOf(*(doc.*addressAt)(i)));
     return read;
 }
 
 std::vector<MailAddress> MailAddressesOf(const CStringArray& texts) {
     std::vector<MailAddress> read;
+    read.reserve(static_cast<std::size_t>(texts.GetSize()));
     for (int i = 0; i < texts.GetSize(); ++i) {
         CAddress address;
         address.FromText(texts.GetAt(i));
@@ -54,15 +55,18 @@ void FillFromHeader(const HeaderValues& header, OpenedMail& opened) {
     opened.header = HeaderTextOf(header.block.View());
 }
 
-void FillFromDocument(const CMailDoc& doc, OpenedMail& opened) {
+// What is taken over is dropped there: a list of addresses takes many times its field.
+void FillFromDocument(CMailDoc& doc, OpenedMail& opened) {
     const auto get = [&](void (CMailDoc::*value)(CString&) const) {
         CString text;
         (doc.*value)(text);
         return text;
     };
     opened.subject = TextOf(get(&CMailDoc::GetSubject));
-    opened.to = MailAddressesOf(AddressesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress));
-    opened.cc = MailAddressesOf(AddressesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress));
+    opened.to = MailAddressesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress);
+    doc.ClearToAddresses();
+    opened.cc = MailAddressesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress);
+    doc.ClearCcAddresses();
     opened.body = TextOf(get(&CMailDoc::GetBody));
 }
 
@@ -86,7 +90,6 @@ OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
     const bool areKept = !folder.empty();
     const CString target = areKept ? TargetFolder(folder) : CString();
     const WorkFolder work;
-    const HeaderValues header = HeaderOf(mail);
     CMailDoc doc;
     OpenedMail opened;
     MailFault fault;
@@ -94,8 +97,9 @@ OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
         opened.files = FilesOf(doc, areKept);
     else
         opened.fault = FaultText(fault, folder);
-    FillFromHeader(header, opened);
     FillFromDocument(doc, opened);
+    const HeaderValues header = HeaderOf(mail);
+    FillFromHeader(header, opened);
     CStringArray names;
     for (const OpenedMail::File& file : opened.files)
         names.SetAtGrow(names.GetSize(), CString(file.name));

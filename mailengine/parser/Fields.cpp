@@ -95,6 +95,12 @@ const ContentType& CEntity::GetContentType(int start, int& next) {
     return m_type;
 }
 
+ContentType CEntity::TakeContentType(int start, int& next) {
+    (void)GetContentType(start, next);
+    m_bRead = false;
+    return std::move(m_type);
+}
+
 Header ReadHeader(std::string_view text, int bodyTop) {
     return ReadRows(text, bodyTop, kRows);
 }

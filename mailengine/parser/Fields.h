@@ -33,6 +33,8 @@ public:
     // there is none. next takes the line top behind the field, and stays where there is none. The result holds until
     // the next call.
     const ContentType& GetContentType(int start, int& next);
+    // The same for a walk that asks once: its parameters, which can be as long as the text, are not kept here too.
+    ContentType TakeContentType(int start, int& next);
 
 private:
     std::string_view m_text;

@@ -169,7 +169,7 @@ void CDelimiters::MakeBorders() {
         while (length > 0 && m_pattern[at] != m_pattern[length])
             length = m_borders[length - 1];
         if (m_pattern[at] == m_pattern[length]) ++length;
-        m_borders[at] = length;
+        m_borders[at] = static_cast<std::uint32_t>(length);
     }
     for (std::size_t at = 0; at < m_pattern.size(); at += platform::CharacterBytes(m_pattern, at))
         m_bEndsInLeadByte =

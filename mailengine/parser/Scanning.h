@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -104,7 +105,7 @@ private:
     int m_nFound = -2;  // -2: no search yet
     // A decoded boundary can hold CRLFs, so that its delimiters overlap. Then the search keeps how much of the
     // pattern stands before m_nScanned, and takes each byte once.
-    std::vector<std::size_t> m_borders;
+    std::vector<std::uint32_t> m_borders;
     std::size_t m_nMatched = 0;
     int m_nScanned = 0;
     bool m_bEndsInLeadByte = false;

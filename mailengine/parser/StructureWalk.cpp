@@ -110,7 +110,7 @@ int WalkMail(std::string_view text, const Findings& findings, Range& range) {
 
 int WalkEntity(CEntity& entity, int start, const Findings& findings, Range& range) {
     int cur = start;
-    const ContentType type = entity.GetContentType(start, cur);
+    const ContentType type = entity.TakeContentType(start, cur);
     const Place place{entity, cur, type.parameters};
     if (IsType(type.type, "multipart/related")) return WalkRelated(place, findings, range);
     if (IsType(type.type, wire::kMultipartMixed)) return WalkMixed(place, findings, range);

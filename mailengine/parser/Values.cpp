@@ -41,6 +41,39 @@ int SplitPiece(std::string_view rest, std::string_view& value) {
     return number;
 }
 
+// Joins numbered pieces, of which the first of each number counts, up to the first number that is missing or empty.
+// Pieces are kept only as long as one before them is awaited.
+class CNumberedPieces {
+public:
+    void Take(int number, std::string_view value) {
+        if (number > m_nExpected)
+            m_early.emplace(number, value);
+        else if (number == m_nExpected)
+            Join(value);
+    }
+    bool HasEnded() const { return m_bEnded; }
+    const CString& Joined() const { return m_strJoined; }
+
+private:
+    void Join(std::string_view value) {
+        for (;;) {
+            const CString piece = ParameterValue(value);
+            m_bEnded = piece.IsEmpty();
+            if (m_bEnded) return;
+            m_strJoined += piece;
+            const auto next = m_early.find(++m_nExpected);
+            if (next == m_early.end()) return;
+            value = next->second;
+            m_early.erase(next);
+        }
+    }
+
+    CString m_strJoined;
+    int m_nExpected = 0;
+    bool m_bEnded = false;
+    std::map<int, std::string_view> m_early;
+};
+
 CString DecodeEncodedWord(std::string_view charset, std::string_view encoding, std::string_view text) {
     CString word;
     // What a refused word wrote before counts, but a refusal comes before the first byte.
@@ -116,21 +149,15 @@ CString GetParameter(std::string_view parameters, std::string_view name) {
 
 CString GetNumberedParameter(std::string_view parameters, std::string_view name) {
     const std::string key = std::string(name) + "*";
-    std::map<int, std::string_view> pieces;  // the first of a number counts
+    CNumberedPieces pieces;
     VisitParameters(parameters, [&](std::string_view parameter) {
         std::string_view value;
         const bool isOurs = StandsAtIgnoringCase(parameter, 0, key);
         const int number = isOurs ? SplitPiece(parameter.substr(key.size()), value) : -1;
-        if (number >= 0) pieces.emplace(number, value);
-        return false;
+        if (number >= 0) pieces.Take(number, value);
+        return pieces.HasEnded();
     });
-    CString joined;
-    int expected = 0;
-    for (const auto& [number, value] : pieces) {
-        const CString piece = number == expected++ ? ParameterValue(value) : CString();
-        if (piece.IsEmpty()) break;
-        joined += piece;
-    }
+    const CString& joined = pieces.Joined();
     if (!StandsAtIgnoringCase(joined.View(), 0, kJapanesePrefix)) return joined;
     CString decoded;
     (void)DecodeText(joined.View().substr(kJapanesePrefix.size()), "H", wire::kIso2022Jp, decoded);
