@@ -1,7 +1,7 @@
 #include <hostkit/gateway/entities/Content.h>
+#include <hostkit/gateway/entities/ExtendedParameters.h>
 #include <hostkit/gateway/entities/ParserOptions.h>
 #include <hostkit/gateway/text/EncodedWords.h>
-#include <hostkit/gateway/text/Iso2022.h>
 #include <memory>
 
 namespace hostkit::gateway {
@@ -14,36 +14,16 @@ std::string Lower(std::string_view text) {
     return lower;
 }
 
-// GMime would convert an extended parameter of ISO-2022-JP by libc's table, which lacks row 13. Under the name of
-// another seven-bit charset the bytes come through, and are converted here.
-std::string WithRawJapanese(std::string field) {
-    constexpr std::string_view kName = "iso-2022-jp";
-    constexpr std::string_view kPlain = "us-ascii";
-    const std::string lower = Lower(field);
-    std::string renamed;
-    std::size_t done = 0;
-    for (std::size_t at = lower.find(kName); at != std::string::npos; at = lower.find(kName, at + 1)) {
-        const std::size_t end = lower.find_first_not_of("-0123456789ms", at + kName.size());
-        if (end == std::string::npos || field[end] != '\'' || at == 0 || lower.find_first_of("=\"", at - 1) != at - 1)
-            continue;
-        renamed.append(field, done, at - done).append(kPlain);
-        done = end;
-    }
-    return renamed.append(field, done);
-}
-
-std::string Parameter(GMimeParamList* list, const char* name) {
+std::string Parameter(GMimeParamList* list, const ExtendedParameters& extended, const char* name) {
     GMimeParam* const parameter = g_mime_param_list_get_parameter(list, name);
     const char* const value = parameter != nullptr ? g_mime_param_get_value(parameter) : nullptr;
-    if (value == nullptr) return "";
-    std::size_t ignored = 0;
-    return HasIso2022Escapes(value) ? Iso2022ToUtf8(value, ignored) : DecodeWords(value, Words::Text);
+    return value == nullptr ? "" : DecodeWords(extended.Value(name, value), Words::Text);
 }
 
 // Some programs put a whole field into words, its structure too.
-std::string FieldFor(const Field& field) {
+std::string TextFor(const Field& field) {
     const std::string value = Unfold(field.raw);
-    return WithRawJapanese(DecodeWords(value, value.starts_with("=?") ? Words::Text : Words::Parts));
+    return DecodeWords(value, value.starts_with("=?") ? Words::Text : Words::Parts);
 }
 
 std::string WithoutAngles(std::string value) {
@@ -59,28 +39,33 @@ std::string TypeWithoutSubtype(const std::string& field) {
                                                                                           : "text/plain";
 }
 
-void ReadType(const std::string& field, Content& content) {
+void ReadType(const std::string& text, Content& content) {
+    ExtendedParameters extended;
+    const std::string field = extended.Prepare(text);
     const std::unique_ptr<GMimeContentType, decltype(&g_object_unref)> type(
         g_mime_content_type_parse(Options(), field.c_str()), &g_object_unref);
     content.type = Lower(g_mime_content_type_get_media_type(type.get())) + '/' +
                    Lower(g_mime_content_type_get_media_subtype(type.get()));
     if (field.substr(0, field.find(';')).find('/') == std::string::npos) content.type = TypeWithoutSubtype(field);
     GMimeParamList* const parameters = g_mime_content_type_get_parameters(type.get());
-    content.charset = Parameter(parameters, "charset");
-    content.boundary = Parameter(parameters, "boundary");
-    content.start = WithoutAngles(Parameter(parameters, "start"));
-    content.smimeType = Lower(Parameter(parameters, "smime-type"));
-    content.name = Parameter(parameters, "name");
-    content.isFlowed = Lower(Parameter(parameters, "format")) == "flowed";
-    content.isDelSp = Lower(Parameter(parameters, "delsp")) == "yes";
+    content.charset = Parameter(parameters, extended, "charset");
+    content.boundary = Parameter(parameters, extended, "boundary");
+    content.start = WithoutAngles(Parameter(parameters, extended, "start"));
+    content.smimeType = Lower(Parameter(parameters, extended, "smime-type"));
+    content.name = Parameter(parameters, extended, "name");
+    content.isFlowed = Lower(Parameter(parameters, extended, "format")) == "flowed";
+    content.isDelSp = Lower(Parameter(parameters, extended, "delsp")) == "yes";
 }
 
-void ReadDisposition(const std::string& field, Content& content) {
+void ReadDisposition(const std::string& text, Content& content) {
+    ExtendedParameters extended;
+    const std::string field = extended.Prepare(text);
     const std::unique_ptr<GMimeContentDisposition, decltype(&g_object_unref)> disposition(
         g_mime_content_disposition_parse(Options(), field.c_str()), &g_object_unref);
     const char* const kind = g_mime_content_disposition_get_disposition(disposition.get());
     content.isAttachment = kind != nullptr && Lower(kind) == "attachment";
-    const std::string name = Parameter(g_mime_content_disposition_get_parameters(disposition.get()), "filename");
+    const std::string name =
+        Parameter(g_mime_content_disposition_get_parameters(disposition.get()), extended, "filename");
     if (!name.empty()) content.name = name;
 }
 
@@ -90,8 +75,8 @@ Content ReadContent(const Header& header, std::string_view defaultType) {
     Content content;
     content.type = defaultType;
     const Field* const type = header.Find("Content-Type");
-    if (type != nullptr && !Unfold(type->raw).empty()) ReadType(FieldFor(*type), content);
-    if (const Field* field = header.Find("Content-Disposition")) ReadDisposition(FieldFor(*field), content);
+    if (type != nullptr && !Unfold(type->raw).empty()) ReadType(TextFor(*type), content);
+    if (const Field* field = header.Find("Content-Disposition")) ReadDisposition(TextFor(*field), content);
     if (const Field* field = header.Find("Content-ID")) content.id = WithoutAngles(Unfold(field->raw));
     if (const Field* field = header.Find("Content-Transfer-Encoding")) {
         const std::string value = Unfold(field->raw);

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <gmime/gmime.h>
 #include <hostkit/gateway/text/Charsets.h>
 #include <hostkit/gateway/text/Detection.h>
 #include <hostkit/gateway/text/Iso2022.h>
+#include <iconv.h>
 
 #include <mailengine/support/platform/text/Unicode.h>
 
@@ -79,8 +79,9 @@ std::string Lower(std::string_view name) {
 std::string IconvNameOf(const std::string& lower) {
     const auto alias = std::find_if(kAliases.begin(), kAliases.end(), [&](const Alias& a) { return a.name == lower; });
     if (alias != kAliases.end()) return alias->meant;
-    const char* const name = g_mime_charset_iconv_name(lower.c_str());
-    return name != nullptr ? name : lower;
+    for (const std::string_view prefix : {"x-windows-", "windows-", "x-cp", "cp-"})
+        if (lower.starts_with(prefix)) return "CP" + lower.substr(prefix.size());
+    return lower.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-_.:+") == std::string::npos ? lower : "";
 }
 
 bool IsAscii(std::string_view bytes) {
@@ -104,16 +105,31 @@ std::string Utf8ToUtf8(std::string_view bytes, std::size_t& faults) {
     return text;
 }
 
+// By the engine's own tables, which need no conversion to be opened for each word.
+std::string CodePageToUtf8(std::string_view bytes, std::size_t& faults) {
+    std::string text;
+    text.reserve(bytes.size() + bytes.size() / 2);
+    for (std::size_t i = 0; i < bytes.size();) {
+        const platform::Character character = platform::CodePageCharacterAt(bytes, i);
+        const bool isFault = character.code == platform::kNoCharacter;
+        platform::AppendUtf8(text, isFault ? 0xFFFD : character.code);
+        faults += isFault;
+        i += character.bytes;
+    }
+    return text;
+}
+
 class Iconv {
 public:
-    // GMime keeps conversions open, so that many small texts cost no search for modules.
-    explicit Iconv(const std::string& charset) : m_conversion(g_mime_iconv_open("UTF-8", charset.c_str())) {}
+    // Not by GMime's cache of conversions: it keeps every name that it was ever asked for.
+    explicit Iconv(const std::string& charset)
+        : m_conversion(charset.empty() ? kNone : iconv_open("UTF-8", charset.c_str())) {}
     ~Iconv() {
-        if (IsOpen()) g_mime_iconv_close(m_conversion);
+        if (IsOpen()) iconv_close(m_conversion);
     }
     Iconv(const Iconv&) = delete;
     Iconv& operator=(const Iconv&) = delete;
-    bool IsOpen() const { return m_conversion != reinterpret_cast<iconv_t>(-1); }
+    bool IsOpen() const { return m_conversion != kNone; }
 
     std::string Convert(std::string_view bytes, std::size_t& faults) {
         std::string text;
@@ -146,6 +162,7 @@ private:
         return isDone;
     }
 
+    const iconv_t kNone = reinterpret_cast<iconv_t>(-1);
     iconv_t m_conversion;
 };
 
@@ -180,6 +197,7 @@ std::string ToUtf8(std::string_view bytes, std::string_view charset, std::size_t
     if (std::find(kIso2022.begin(), kIso2022.end(), lower) != kIso2022.end()) return Iso2022ToUtf8(bytes, faults);
     const std::string name = IconvNameOf(lower);
     if (name == "UTF-8" || name == "utf-8") return Utf8ToUtf8(bytes, faults);
+    if (name == "CP932") return CodePageToUtf8(bytes, faults);
     Iconv conversion(name);
     if (conversion.IsOpen()) return conversion.Convert(bytes, faults);
     faults += bytes.size();

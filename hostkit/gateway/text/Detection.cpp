@@ -23,6 +23,12 @@ bool IsLetter(char32_t c) {
     return c < 0x80 && ((c | 0x20) >= 'a' && (c | 0x20) <= 'z');
 }
 
+// What Japanese texts set beside letters: brackets, figures in circles, units, wide Latin letters.
+bool IsJapaneseSign(char32_t c) {
+    return (c >= 0x3000 && c <= 0x3020) || (c >= 0x2460 && c <= 0x2473) || (c >= 0x3220 && c <= 0x33FF) ||
+           (c >= 0xFF01 && c <= 0xFF5E);
+}
+
 // JIS X 0208's first level holds the kanji in use; what a foreign charset is misread as lies mostly outside.
 bool IsCommonKanji(char32_t c) {
     const int code = IsIdeograph(c) ? platform::CodeOf(c) : -1;
@@ -44,7 +50,7 @@ int Likelihood(std::string_view utf8) {
             points += IsLetter(before) ? -3 : -1;
         else if (at.code >= 0xFF61 && at.code <= 0xFF9F)
             points += -1;
-        else if (at.code >= 0x3000 && at.code <= 0x3020)
+        else if (IsJapaneseSign(at.code))
             points += 1;
         else if (at.code >= 0xE000 && at.code <= 0xF8FF)
             points += -4;

@@ -146,6 +146,11 @@ def field_kinds():
     flowed = b"> one \n> two\nthree \nfour\n -- \n-- \nfive\n"
     yield "flowed", raw(flowed, "text/plain; format=flowed"), {"body": "> one two three four -- -- five"}
     yield "flowed, DelSp", raw(b"one \ntwo\n", "text/plain; format=flowed; delsp=yes"), {"body": "onetwo"}
+    names = b"; name*0*=iso-2022-jp'ja'%1B%24B%2D%21; name*1*=%1B%28B.pdf", b'; name="=?iso-2022-jp?B?GyRCLSEbKEI=?=.pdf"', (
+        "; name*=shift_jis''%87%40.pdf").encode(), "; name=①.pdf".encode(), b'; name="' + "①".encode("cp932") + b'.pdf"'
+    for form in names:
+        mixed = b"--b\nContent-Type: application/pdf" + form + b"\n\nx\n--b--\n"
+        yield f"a name as {form!r}", raw(mixed, "multipart/mixed; boundary=b"), {"names": ["①.pdf"]}
     for title, kind, data, body in (
             ("nothing declared", "text/plain", "会議".encode("cp932"), "会議"), ("EUC, nothing declared", "text/plain",
              "会議を開く".encode("euc-jp"), "会議を開く"), ("a wrong name", "text/plain; charset=us-ascii", JAPANESE.encode(), JAPANESE),
@@ -205,6 +210,8 @@ class GatewayTest(unittest.TestCase):
                     self.compare(message, result, known)
 
     def compare(self, message, result, known):
+        if "names" in known:  # Python fails on row 13
+            return self.assertEqual([file["original"] for file in result["files"]], known["names"])
         mail = email.message_from_bytes(message, policy=email.policy.default)
         self.assertEqual(squeezed(result["subject"]), known.get("subject") or squeezed(plain(str(mail["subject"] or ""))))
         for field in ("from", "to", "cc", "reply-to"):
