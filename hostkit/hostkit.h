@@ -27,3 +27,4 @@
 #include <hostkit/letter/OpenedMail.h>
 #include <hostkit/letter/Outcome.h>
 #include <hostkit/letter/SaveLetter.h>
+#include <hostkit/letter/SendLetter.h>

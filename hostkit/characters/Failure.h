@@ -20,6 +20,7 @@ enum class FailureKind {
     Unkept,     // a file cannot be replaced without losing its owner, group, permissions or access list
     Output,     // writing failed
     Delivery,   // a server did not take the mail
+    Login,      // and asks for a login or encryption, which the engine does not have
     System,     // this machine lacks what the work needs
 };
 

@@ -3,12 +3,11 @@
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/letter/Attachment.h>
+#include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/Envelope.h>
-#include <hostkit/letter/ProgressOperation.h>
-#include <netdb.h>
+#include <set>
 
 #include <mailengine/support/ProgressCallback.h>
-#include <mailengine/transport/MailSendRecv.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace hostkit {
@@ -56,8 +55,11 @@ std::string MailAddressOf(const CAddress& address) {
     return FromCodePage(address.GetMailAddress().View());
 }
 
-Outcome NotDone(Outcome::State state, const Failure& failure) {
-    return {state, failure.what(), {}, failure};
+// As the engine compares them: of the two halves only the domain knows no case (RFC 5321 2.4).
+std::string Compared(std::string address) {
+    for (std::size_t i = address.rfind('@'); i < address.size(); ++i)
+        if (address[i] >= 'A' && address[i] <= 'Z') address[i] = static_cast<char>(address[i] - 'A' + 'a');
+    return address;
 }
 
 }  // namespace
@@ -81,13 +83,17 @@ std::string SenderOf(const CMailDoc& doc) {
 
 std::vector<std::string> RecipientsOf(const CMailDoc& doc) {
     std::vector<std::string> recipients;
+    std::set<std::string> named;
+    const auto add = [&](const std::string& address) {
+        if (named.insert(Compared(address)).second) recipients.push_back(address);
+    };
     for (unsigned int i = 0; i < doc.GetToAddressSize(); ++i)
-        recipients.push_back(MailAddressOf(*doc.GetToAddress(i)));
+        add(MailAddressOf(*doc.GetToAddress(i)));
     for (unsigned int i = 0; i < doc.GetCcAddressSize(); ++i)
-        recipients.push_back(MailAddressOf(*doc.GetCcAddress(i)));
+        add(MailAddressOf(*doc.GetCcAddress(i)));
     for (unsigned int i = 0; i < doc.GetBccAddressSize(); ++i)
-        recipients.push_back(MailAddressOf(*doc.GetBccAddress(i)));
-    if (doc.GetSenderBccFlg()) recipients.push_back(SenderOf(doc));
+        add(MailAddressOf(*doc.GetBccAddress(i)));
+    if (doc.GetSenderBccFlg()) add(SenderOf(doc));
     return recipients;
 }
 
@@ -103,45 +109,14 @@ void CheckEnvelope(const CMailDoc& doc) {
     }
 }
 
-std::uint64_t MessageBytes(const CMailDoc& doc) {
+std::uint64_t MessageBytes(CMailDoc& doc) {
     CheckAttachedMails(doc);
+    const BlindCopies blind(doc);
     CountingStream size;
     CProgressCallback progress("", 0, nullptr);
     CString error;
     if (!CEMailWriter(&size, doc, progress).Write(error)) throw Failure(FailureKind::Input, {}, OneLine(error));
     return size.Bytes();
-}
-
-namespace {
-
-// The library tells a number alone; below 0 it is one of the resolver's.
-std::string WordsFor(int systemError) {
-    if (systemError == 0) return "";
-    return std::string(": ") + (systemError < 0 ? gai_strerror(systemError) : std::strerror(systemError));
-}
-
-}  // namespace
-
-Outcome SendLetter(const CMailDoc& doc, const Progress& progress) {
-    try {
-        CheckEnvelope(doc);
-        CheckAttachedMails(doc);
-        ProgressOperation operation("送信中", doc.GetMailSize(), progress);
-        const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, CStringArray(), operation.Engine());
-        if (result.outcome == CMailSendRecv::kTaken) {
-            operation.Complete();
-            return {};
-        }
-        const std::string reason = LineShown(result.text.View()) + WordsFor(result.systemError);
-        if (result.outcome == CMailSendRecv::kUnknown)
-            return NotDone(Outcome::State::Unknown,
-                           {FailureKind::Delivery, {}, "the server may have taken the mail: " + reason});
-        // Not every cancel comes in time: one behind the end of the mail leaves a text, or changes nothing.
-        if (reason.empty()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
-        throw Failure(FailureKind::Delivery, {}, "the mail was not sent: " + reason);
-    } catch (const Failure& failure) {
-        return NotDone(Outcome::State::Failed, failure);
-    }
 }
 
 }  // namespace hostkit

@@ -15,7 +15,7 @@ struct Outcome {
         Done,
         Cancelled,
         Failed,
-        Unknown,  // the whole mail went out and no verdict came: the server may have taken it
+        Unknown,  // the whole mail went out and no verdict came: it may have been taken
     };
 
     State state = State::Done;

@@ -49,6 +49,9 @@ const char* OptionOf(Field field) {
 const char* AdviceFor(const Failure& failure) {
     if (failure.Kind() == FailureKind::SameFile) return "; name another with -o";
     if (failure.Kind() == FailureKind::Unkept) return "; name another file, or let --in-place write into this one";
+    if (failure.Kind() == FailureKind::Login)
+        return "; leave --server out, and this machine's mail system, once it is set up for that server, sends the "
+               "mail";
     if (failure.Kind() != FailureKind::Uncarried) return "";
     return failure.Where().field == Field::Attachment ? "; give the file another name"
                                                       : "; take it out, or let --replace put 〓 in its place";
@@ -66,6 +69,7 @@ int Fail(const std::string& text, int status) {
 }  // namespace
 
 void CheckDone(const hostkit::Outcome& outcome) {
+    if (outcome.state == hostkit::Outcome::State::Unknown) throw CFailure(outcome.text, kExitUnknown);
     if (outcome.failure) throw *outcome.failure;
     if (!outcome) throw CFailure(outcome.text, kExitCancelled);
     if (!outcome.text.empty()) terminal::Warn(outcome.text);

@@ -7,6 +7,9 @@
 
 inline constexpr int kExitFailed = 1;  // what was asked could not be done; nothing half done stays behind
 inline constexpr int kExitUsage = 2;   // the command line itself is wrong: an option unknown, missing or in conflict
+// The whole mail went out, but nobody said that it was taken: a second try may double it. A script may try again behind
+// a failure, but not behind this (EX_PROTOCOL of sysexits.h).
+inline constexpr int kExitUnknown = 76;
 inline constexpr int kExitCancelled = 130;  // Ctrl-C ended it, as shells tell it (128 and the number of SIGINT)
 
 // A fault of the command's own. Its text is one line of UTF-8 that names the thing and says what to do; the kit's
@@ -23,7 +26,7 @@ private:
 };
 
 // Warns of what the outcome's text says. Throws for a work that was not done: the outcome's failure, or a CFailure for
-// one that was cancelled.
+// one that was cancelled or is unknown.
 void CheckDone(const hostkit::Outcome& outcome);
 
 // Tells the user, in one line on stderr and with the options that are at fault, of the exception that is being handled,

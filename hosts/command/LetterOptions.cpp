@@ -26,8 +26,9 @@ void CLetterOptions::AddAddressesTo(CLI::App& command) {
     Filled(command.add_option("--reply-to", m_letter.replyTo, "Where replies go"))->type_name(kAddress);
     AddMany(command, "--to", m_letter.to, "A recipient; repeat for more")->type_name(kAddress);
     AddMany(command, "--cc", m_letter.cc, "A recipient of a copy; repeat for more")->type_name(kAddress);
-    AddMany(command, "--bcc", m_letter.bcc,
-            "One more, who stands in the Bcc field; every recipient can read that field")
+    AddMany(
+        command, "--bcc", m_letter.bcc,
+        "A recipient of a blind copy; repeat for more. send shows these to nobody; write keeps them in the Bcc field")
         ->type_name(kAddress);
 }
 

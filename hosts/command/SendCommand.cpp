@@ -2,6 +2,7 @@
 
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/letter/Envelope.h>
+#include <hostkit/letter/SendLetter.h>
 #include <iostream>
 
 #include "Faults.h"
@@ -12,7 +13,7 @@
 
 namespace {
 
-void PrintEnvelope(const CMailDoc& doc) {
+void PrintEnvelope(CMailDoc& doc) {
     const std::uint64_t bytes = hostkit::MessageBytes(doc);
     terminal::Put("sender: " + hostkit::Shown(hostkit::SenderOf(doc)) + '\n');
     for (const std::string& recipient : hostkit::RecipientsOf(doc))
@@ -21,7 +22,7 @@ void PrintEnvelope(const CMailDoc& doc) {
     terminal::Finish();
 }
 
-void Send(const CMailDoc& doc, bool quiet) {
+void Send(CMailDoc& doc, bool quiet) {
     {
         CTerminalProgress progress("送信中", quiet);
         CheckDone(hostkit::SendLetter(doc, [&](int percent) { return progress.Show(percent); }));
@@ -42,11 +43,12 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
     m_pCommand->add_flag("--dry-run", m_bDryRun, "Print sender, recipients and size; connect to nothing");
     m_pCommand->add_flag("--quiet", m_bQuiet, "Show no progress");
     m_pCommand->footer(
-        "Texts are UTF-8. The recipients are those of --to, --cc and --bcc, the sender with --sender-bcc, and those "
-        "of\n"
-        "an answer; they get the whole mail or nothing.\n"
+        "Texts are UTF-8. The recipients are those of --to, --cc and --bcc, the sender with --sender-bcc, and those\n"
+        "of an answer, each once; they get the whole mail or nothing. Nobody can read who the blind copies go to.\n"
         "Ctrl-C cancels, a second one ends the program at once.\n"
-        "Exit status: 0 the server took the mail, 1 failed, 2 the command line is wrong, 130 cancelled.");
+        "Exit status: 0 the server took the mail, 1 failed, 2 the command line is wrong, 76 the whole mail went out "
+        "but\n"
+        "no verdict came (a second try may double it), 130 cancelled.");
 }
 
 int CSendCommand::Run() const {

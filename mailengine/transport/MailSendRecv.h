@@ -47,10 +47,11 @@ public:
     };
 
     // Sends doc so that its recipients, and blindRecipients, mail addresses that the message does not show, get either
-    // the whole mail or none. Nothing is tried where the result can be seen before: a cancel was noticed, server, port,
-    // sender or recipients are missing or cannot be sent, there are more than 100 recipients, an attachment cannot be
-    // opened. Replies are put together as RFC 5321 4.2.1 has them, up to 64 KiB each; each command is judged by its
-    // own, and a dialogue out of step gives the mail up before its end. One recipient refused: nobody gets the mail.
+    // the whole mail or none, and each is named once, however many lists have it. Nothing is tried where the result can
+    // be seen before: a cancel was noticed, server, port, sender or recipients are missing or cannot be sent, there are
+    // more than 100 recipients, an attachment cannot be opened. Replies are put together as RFC 5321 4.2.1 has them, up
+    // to 64 KiB each; each command is judged by its own, and a dialogue out of step gives the mail up before its end.
+    // One recipient refused: nobody gets the mail.
     //
     // Waits end at the limits of RFC 5321 4.5.3.2, and when the user cancels; only the look-up of the server's name
     // cannot be stopped. The dialog stands until the session is over. A cancel before the end of the data takes the

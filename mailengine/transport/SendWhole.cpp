@@ -1,3 +1,5 @@
+#include <set>
+#include <string>
 #include <vector>
 
 #include <mailengine/model/MailDoc.h>
@@ -29,11 +31,29 @@ int CheckFiles(const CMailDoc& doc, CString& error) {
     return CheckAttachments(files, error);
 }
 
+// An address as it is compared: of its two halves only the domain knows no case (RFC 5321 2.4).
+std::string Compared(const CString& address) {
+    std::string text(address.View());
+    for (std::size_t i = text.rfind('@'); i < text.size(); ++i)
+        if (text[i] >= 'A' && text[i] <= 'Z') text[i] = static_cast<char>(text[i] - 'A' + 'a');
+    return text;
+}
+
+// Each recipient once, where it stands first: a server may take a second naming for a second copy.
+void NameOnce(CStringArray& recipients) {
+    std::set<std::string> named;
+    CStringArray once;
+    for (int i = 0; i < recipients.GetSize(); ++i)
+        if (named.insert(Compared(recipients.GetAt(i))).second) once.SetAtGrow(once.GetSize(), recipients.GetAt(i));
+    recipients = once;
+}
+
 // All that can be seen to fail before anybody is connected to.
 int Prepare(const CMailDoc& doc, const CStringArray& blindRecipients, Envelope& envelope, CString& error) {
     if (!TakeEnvelope(doc, envelope, error)) return 0;
     for (int i = 0; i < blindRecipients.GetSize(); ++i)
         envelope.recipients.SetAtGrow(envelope.recipients.GetSize(), blindRecipients.GetAt(i));
+    NameOnce(envelope.recipients);
     return CheckEnvelope(envelope, error) && CheckFiles(doc, error);
 }
 

@@ -108,12 +108,52 @@ class SendTest(unittest.TestCase):
                 self.assertIn(words, result.stderr)
         self.assertEqual(server.mails(), [])
 
+    def test_blind_copies_are_blind_and_nobody_is_named_twice(self):
+        server = self.serve(Aiosmtpd(self.folder / "blind"))
+        result = self.send(server.port, *LETTER, "--cc", "a@EXAMPLE.test", "--cc", "A@example.test", "--bcc",
+                           "秘密 <b@example.test>", "--bcc", "a@example.test", "--sender-bcc")
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        (envelope, stored), = server.mails()
+        self.assertEqual(envelope["to"], ["a@example.test", "A@example.test", "b@example.test", "s@example.test"])
+        self.assertNotIn(b"bcc", stored.lower())
+        self.assertNotIn(b"b@example.test", stored)
+
+    def answer(self, replies):
+        """One session of a server that answers each command by its reply; none closes the connection."""
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            process = subprocess.Popen([COMMAND, "send", "--quiet", "--server", f"127.0.0.1:{server.getsockname()[1]}",
+                                        *LETTER], stdin=subprocess.DEVNULL, stderr=subprocess.PIPE)
+            connection, _ = server.accept()
+            with connection, connection.makefile("rb") as lines:
+                for reply in replies:
+                    connection.sendall(reply + b"\r\n")
+                    while reply[:3] == b"354" and next(lines) != b".\r\n":
+                        pass
+                    if reply[:3] in (b"220", b"250"):
+                        next(lines, b"")
+            return process.wait(30), process.communicate()[1].decode()
+
+    def test_what_a_server_says_reaches_the_user_as_it_is(self):
+        to_data = [b"220 ", b"250 ", b"250 ", b"250 ", b"354 "]
+        for name, replies, status, said in (
+                ("login", [b"220 ", b"250 ", b"530-5.7.0 first\r\n530 login"], 1,
+                 r"the mail was not sent: 530-5\.7\.0 first 530 login: .*login or encryption; leave --server out.*"),
+                ("charset", [b"220 ", b"554 \x8eQ \xe9\xab\x99\x1b"], 1, r"the mail was not sent: 554 \\x8EQ 髙\\x1B"),
+                ("end refused", to_data + [b"451 later"], 1, "the mail was not sent: 451 later"),
+                ("no verdict", to_data, 76, "the server may have taken the mail: メールはすべて.*")):
+            with self.subTest(name):
+                code, error = self.answer(replies)
+                self.assertEqual(code, status, error)
+                self.assertRegex(error, f"^mailengine: {said}\n$")
+
     def test_a_server_that_is_not_there(self):
         with socket.create_server(("127.0.0.1", 0)) as free:
             port = free.getsockname()[1]
         result = self.send(port, *LETTER)
         self.assertEqual(result.returncode, 1)
-        self.assertIn("ソケット通信エラー(Connect)", result.stderr.decode())
+        self.assertRegex(result.stderr.decode(), rf"ソケット通信エラー\(Connect\).*: nobody listens at 127\.0\.0\.1:{port}\n$")
+        result = self.run_it("send", "--server", "nosuch.invalid", *LETTER)
+        self.assertRegex(result.stderr.decode(), "no machine is named nosuch.invalid\n$|cannot be looked up now")
         for server in "", "h:", "h:0", "h:65536", "h:25x", "[::1", ":25":
             self.assertEqual(self.run_it("send", "--server", server, *LETTER).returncode, 2, server)
 
@@ -123,7 +163,7 @@ class SendTest(unittest.TestCase):
         self.assertRegex(result.stdout.decode(), "^sender: s@example.test\nrecipient: a@example.test\n"
                                                  "recipient: s@example.test\nsize: [0-9]+ bytes\n$")
         size = int(re.search(rb"size: (\d+)", result.stdout)[1])
-        self.assertAlmostEqual(size, len(self.message_of("--sender-bcc", *LETTER)), delta=5)  # the process number
+        self.assertAlmostEqual(size, len(self.message_of(*LETTER)), delta=5)  # the process number
 
     def press(self, presses):
         """Starts a send to a server that says nothing, presses Ctrl-C so often; the exit status and the terminal."""
