@@ -71,17 +71,16 @@ int CopyAll(int file, int target) {
 
 NewFile::NewFile(const std::string& target, const std::string& name, const struct stat* old, Unkept unkept)
     : m_strTarget(target), m_strName(name), m_bReplaces(old != nullptr) {
-    m_bInPlace = old != nullptr && unkept == Unkept::WriteInPlace;
+    m_bMayWriteInPlace = old != nullptr && unkept == Unkept::WriteInPlace;
     const bool isMade = Make(FolderOf(target), old == nullptr ? 0666 : 0600);
-    if (!isMade && !m_bInPlace) Fail(errno, "; name a file in a folder that you can write to");
-    if (isMade && (old == nullptr || KeepsAllOf(*old))) {
-        m_bInPlace = false;
-    } else if (!m_bInPlace) {
+    if (!isMade && !m_bMayWriteInPlace) Fail(errno, "; name a file in a folder that you can write to");
+    if (isMade && (old == nullptr || KeepsAllOf(*old))) return;
+    if (!m_bMayWriteInPlace) {
         throw Failure(FailureKind::Unkept, {Field::None, name},
                       "a new file in its place cannot have its owner, group, permissions and access list");
-    } else if (!Make(TemporaryFolder().native() + "/", 0600)) {
-        Fail(errno, "; it is as it was before");
     }
+    m_bInPlace = true;
+    if (!Make(TemporaryFolder().native() + "/", 0600)) Fail(errno, kUnchanged);
 }
 
 // False, with errno: no file can be made in the folder.
@@ -116,7 +115,14 @@ bool NewFile::KeepsAllOf(const struct stat& old) const {
 void NewFile::TakePlace() {
     if (m_bInPlace) return CopyIntoTarget();
     if (!IsDone(fsync(m_file.Number()))) Fail(errno, kUnchanged);
-    if (!(m_pNamed ? MoveToTarget() : LinkToTarget())) Fail(errno, kUnchanged);
+    if (m_pNamed ? MoveToTarget() : LinkToTarget()) return;
+    const int error = errno;
+    if (error == EBUSY && m_bMayWriteInPlace) return CopyIntoTarget();
+    if (error == EBUSY && m_bReplaces) {
+        throw Failure(FailureKind::Unkept, {Field::None, m_strName},
+                      "a new file cannot take its place, since something is mounted there");
+    }
+    Fail(error, kUnchanged);
 }
 
 // A link replaces nothing: a file that stands at the target is replaced by a second name of the new one.
@@ -137,9 +143,10 @@ bool NewFile::MoveToTarget() {
     return moved == 0;
 }
 
-// The room is asked for first, so that a full disk changes nothing.
+// The room is asked for first, so that a full disk changes nothing. The path has no links left in it: one that stands
+// there now is another's, and is not followed.
 void NewFile::CopyIntoTarget() {
-    const hostkit::Descriptor target(open(m_strTarget.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    const hostkit::Descriptor target(open(m_strTarget.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NOFOLLOW));
     struct stat status;
     if (!target || fstat(m_file.Number(), &status) != 0) Fail(errno, kUnchanged);
     if (!IsDone(fallocate(target.Number(), FALLOC_FL_KEEP_SIZE, 0, std::max<off_t>(status.st_size, 1))))

@@ -11,7 +11,8 @@
 
 namespace hostkit {
 
-// What becomes of a file whose owner, group, permissions or access list a new file could not have.
+// What becomes of a file whose owner, group, permissions or access list a new file could not have, or whose place it
+// could not take, as that of a file that is mounted there.
 enum class Unkept {
     Refuse,
     WriteInPlace,  // its bytes are replaced at the end; what stops that in the middle leaves neither old nor new whole
@@ -45,6 +46,7 @@ private:
     std::string m_strTarget;
     std::string m_strName;
     bool m_bReplaces;
+    bool m_bMayWriteInPlace = false;
     bool m_bInPlace = false;
     hostkit::Descriptor m_file;
     std::unique_ptr<PendingFile> m_pNamed;  // null while the file has no name

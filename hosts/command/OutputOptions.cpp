@@ -1,13 +1,14 @@
 #include "OutputOptions.h"
 
 #include "CommandLine.h"
+#include "Options.h"
 
 void COutputOptions::AddTo(CLI::App& command) {
-    command.add_option("-o,--output", m_strOutput, "The message file; - is standard output")
+    options::Filled(command.add_option("-o,--output", m_strOutput, "The message file; - is standard output"))
         ->type_name("FILE")
         ->required();
     command.add_flag("--in-place", m_bInPlace,
-                     "Write into a file whose owner or rights a new one in its place could not have");
+                     "Write into a file whose owner or rights a new one could not have, or that is mounted");
 }
 
 std::unique_ptr<hostkit::OutputTarget> COutputOptions::Target() const {

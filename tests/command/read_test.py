@@ -163,7 +163,7 @@ class ReadTest(unittest.TestCase):
             self.assertEqual(self.opened(b"", name)["file"], name)
         for arguments in (["read", ""], ["read", "a", "--extract", ""], ["subject", "a", ""], ["reply", "", "-o", "-"],
                           ["reply", "a", "-o", "-", "--subject", ""], ["reply", "a", "-o", "-", "--body-file", ""],
-                          ["send", "--server", "h", "--answer", ""], ["send", "--server", ""]):
+                          ["send", "--server", "h", "--answer", ""], ["send", "--server", ""], ["write", "-o", ""]):
             self.run_it(*arguments, status=2, complaints=["is empty"])
 
     def test_memory_that_ends_at_one_message_ends_that_alone(self):

@@ -169,7 +169,7 @@ class WriteTest(unittest.TestCase):
 
     def test_refuses_targets_that_are_no_place_for_a_message(self):
         (self.folder / "dangling").symlink_to("nowhere")
-        for target, word in (".", "folder"), ("x/", "no file"), ("", "no file"), ("dangling", "link"), ("no/x", "no/x"):
+        for target, word in (".", "folder"), ("x/", "no file"), ("dangling", "link"), ("no/x", "no/x"):
             with self.subTest(target):
                 self.assert_fails(self.write("-o", target), 1, word)
         self.assert_only("dangling")
@@ -243,6 +243,17 @@ class WriteTest(unittest.TestCase):
                 after = self.out.stat()
                 self.assertEqual((after.st_uid, after.st_gid, after.st_mode), (before.st_uid, before.st_gid, before.st_mode))
                 self.assert_only("out.eml")
+
+    def test_a_file_that_is_mounted_is_written_in_place_alone(self):
+        self.out.write_text("old")
+        mounted = ["unshare", "-m", "sh", "-c", 'mount --bind out.eml out.eml && exec "$@"', "sh"]
+        if subprocess.run([*mounted, "true"], cwd=self.folder, capture_output=True).returncode:
+            self.skipTest("this system lets nobody mount")
+        write = [*mounted, COMMAND, "write", "--from", "a@b.jp", "-o", "out.eml"]
+        for more, status, top in ([], 1, "old"), (["--in-place"], 0, "From: a@b.jp"):
+            result = subprocess.run([*write, *more], cwd=self.folder, capture_output=True)
+            self.assertEqual((result.returncode, self.out.read_text().split("\n")[0]), (status, top), result.stderr)
+            self.assert_only("out.eml")
 
     def test_notices_that_the_output_takes_no_more(self):
         self.assert_fails(self.write("-o", "/dev/full"), 1, "/dev/full", "No space left")
