@@ -99,7 +99,8 @@ TEST(File, RaisesAtTheByteWhereTheSizeLimitLies) {
     // A limit that falls after room was promised is noticed at the latest by Close, which closes all the same.
     const auto lower = [&] {
         CFile file;
-        if (!file.Open(path.c_str(), kWriting) || Raised([&] { file.Write("0123456789", 10); }) != 0) return 1;
+        if (!file.Open(path.c_str(), kWriting) || Raised([&] { file.Write("0", 1), file.Write("123456789", 9); }) != 0)
+            return 1;
         const rlimit sizes{4, 4};
         if (setrlimit(RLIMIT_FSIZE, &sizes) != 0 || Raised([&] { file.Close(); }) != EFBIG) return 2;
         return Raised([&] { file.Write("x", 1); }) == EBADF ? 0 : 3;
@@ -115,7 +116,7 @@ int WriteToSharedDisk(const CTempFolder& folder) {
     if (!isApart || mount("none", (folder / "").c_str(), "tmpfs", 0, "size=262144") != 0) return kCannotMount;
     CFile file;
     if (!file.Open((folder / "out").c_str(), kWriting)) return 1;
-    if (Raised([&] { file.Write(bytes.data(), 74); }) != 0) return 2;
+    if (Raised([&] { file.Write(bytes.data(), 1), file.Write(bytes.data() + 1, 73); }) != 0) return 2;
     WriteWholeFile(folder / "other", bytes);
     if (Raised([&] { file.Write(bytes.data() + 74, 8000); }) != 0) return 3;
     if (Raised([&] { file.Write(bytes.data(), bytes.size()); }) != ENOSPC || Raised([&] { file.Close(); }) != 0)

@@ -222,6 +222,8 @@ std::size_t CFile::Room() const {
 
 int CFile::TryAppend(const char* data, std::size_t count) {
     if (m_descriptor == kNone || !m_writes) return Refuse(EBADF);
+    // Most files of a mail come in one piece: for these, asking for room and giving back the rest costs more than all.
+    if (m_position == 0 && m_end == 0) return WriteThrough(data, count);
     while (count > 0) {
         if (m_end == Room()) {
             if (!Flush()) return 0;

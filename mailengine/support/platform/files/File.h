@@ -4,7 +4,7 @@
 // Writing keeps a promise: a Write that came back without an exception stands for bytes that are in the file or that
 // the file system holds room for. Only such bytes wait in the buffer. Where no room can be had ahead (a device, a pipe,
 // a file system that gives none, a disk or a file size limit nearly reached) each Write goes through to the system, so
-// the one that does not fit is the one that raises.
+// the one that does not fit is the one that raises. The first Write does so everywhere.
 #pragma once
 
 #include <cstddef>
