@@ -15,6 +15,7 @@
 #include <hostkit/files/NewFile.h>
 #include <hostkit/files/OutputTarget.h>
 #include <hostkit/files/PendingFile.h>
+#include <hostkit/files/TargetFolder.h>
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/gateway/CharacterTable.h>
 #include <hostkit/gateway/Gateway.h>
@@ -26,5 +27,6 @@
 #include <hostkit/letter/Letter.h>
 #include <hostkit/letter/OpenedMail.h>
 #include <hostkit/letter/Outcome.h>
+#include <hostkit/letter/PartLimit.h>
 #include <hostkit/letter/SaveLetter.h>
 #include <hostkit/letter/SendLetter.h>

@@ -3,16 +3,20 @@
 #pragma once
 
 #include <filesystem>
+#include <hostkit/characters/Failure.h>
 #include <hostkit/files/PendingFile.h>
 
 #include <mailengine/support/platform/text/String.h>
 
 namespace hostkit {
 
+// The folder for files that nobody is to keep, absolute: the one that TMPDIR names, else /tmp.
+HOSTKIT_API std::filesystem::path TemporaryFolder();
+
 class HOSTKIT_API WorkFolder {
 public:
-    // Makes it in the folder that TMPDIR names, else in /tmp. Throws Failure.
-    WorkFolder();
+    // Makes it in parent, an absolute path, which where names in a failure. Throws Failure.
+    explicit WorkFolder(const std::filesystem::path& parent = TemporaryFolder(), const Place& where = {});
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
     ~WorkFolder();
@@ -25,14 +29,5 @@ private:
     PendingFile m_folder;
     CString m_strLibraryPath;
 };
-
-// The folder for files that nobody is to keep, absolute: the one that TMPDIR names, else /tmp.
-std::filesystem::path TemporaryFolder();
-
-// The library's form of the folder, without a trailing separator. Throws Failure for one that it cannot name.
-CString LibraryPathOf(const std::filesystem::path& folder);
-
-// A folder of the user's that takes attachments: made if it is missing. Gives its library path. Throws Failure.
-CString TargetFolder(const std::filesystem::path& folder);
 
 }  // namespace hostkit

@@ -4,6 +4,7 @@
 #include <hostkit/letter/Answer.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/HeaderValues.h>
+#include <hostkit/letter/PartLimit.h>
 #include <new>
 
 #include <mailengine/parser/EMailPerser.h>
@@ -185,6 +186,7 @@ void SetAnswerBody(CMailDoc& doc, const CString& answer, const CString& quoted) 
 
 std::vector<std::string> PrepareAnswer(const CString& mail, const Letter& letter, CMailDoc& doc,
                                        const AnswerOptions& options) {
+    if (HasTooManyParts(mail)) throw Failure(FailureKind::Message, {Field::None, options.name}, TooManyPartsText());
     MailFault fault;
     if (!CEMailPerser().Perse(mail, nullptr, doc, 1, fault))
         throw Failure(FailureKind::Message, {Field::None, options.name}, FaultText(fault));

@@ -1,10 +1,12 @@
 #include <filesystem>
 #include <hostkit/characters/MailText.h>
-#include <hostkit/files/WorkFolder.h>
+#include <hostkit/files/TargetFolder.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/HeaderValues.h>
 #include <hostkit/letter/OpenedMail.h>
+#include <hostkit/letter/PartLimit.h>
+#include <optional>
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/parser/EMailPerser.h>
@@ -14,6 +16,8 @@
 namespace hostkit {
 
 namespace {
+
+constexpr char kMailExtension[] = ".eml";
 
 std::string TextOf(const CString& value) {
     return hostkit::TextOf(value.View());
@@ -70,33 +74,49 @@ void FillFromDocument(CMailDoc& doc, OpenedMail& opened) {
     opened.body = TextOf(get(&CMailDoc::GetBody));
 }
 
-std::vector<OpenedMail::File> FilesOf(const CMailDoc& doc, bool areKept) {
+// An attached mail is known by the end of the file that the library made for it, which its name lacks.
+std::string FileNameOf(const CMailDoc::FileInfo& info, const std::filesystem::path& made) {
+    const std::string name = TextOf(info.Name);
+    const bool isMail = made.extension() == kMailExtension || made.filename() == kMailExtension;
+    if (!isMail || made.filename() == platform::ToNativePath(info.Name)) return name;
+    return (name.empty() ? "_" : name) + kMailExtension;
+}
+
+std::vector<OpenedMail::File> FilesOf(const CMailDoc& doc, TargetFolder* target) {
     std::vector<CMailDoc::FileInfo> infos;
     doc.GetFiles(infos);
     std::vector<OpenedMail::File> files;
     files.reserve(infos.size());
     for (const CMailDoc::FileInfo& info : infos) {
-        const std::filesystem::path path = platform::ToNativePath(info.Path);
+        const std::filesystem::path made = platform::ToNativePath(info.Path);
         std::error_code gone;
-        const std::uintmax_t size = std::filesystem::file_size(path, gone);
-        files.push_back({TextOf(info.Name), areKept ? path : "", gone ? 0 : size});
+        const std::uintmax_t size = std::filesystem::file_size(made, gone);
+        OpenedMail::File& file = files.emplace_back(OpenedMail::File{TextOf(info.Name), {}, gone ? 0 : size});
+        if (target != nullptr) file.path = target->Take(made.filename(), FileNameOf(info, made));
     }
     return files;
+}
+
+// The fault of a message that can be read to its end, but for the attachments, is the folder's.
+std::string Read(const CString& mail, const std::filesystem::path& folder, CMailDoc& doc,
+                 std::vector<OpenedMail::File>& files) {
+    std::optional<TargetFolder> target;
+    if (!folder.empty()) target.emplace(folder);
+    std::optional<WorkFolder> work;
+    const WorkFolder& place = target ? target->Work() : work.emplace();
+    MailFault fault;
+    if (!CEMailPerser().Perse(mail, place.LibraryPath(), doc, 0, fault)) return FaultText(fault, folder);
+    files = FilesOf(doc, target ? &*target : nullptr);
+    if (target) target->Keep();
+    return "";
 }
 
 }  // namespace
 
 OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
-    const bool areKept = !folder.empty();
-    const CString target = areKept ? TargetFolder(folder) : CString();
-    const WorkFolder work;
     CMailDoc doc;
     OpenedMail opened;
-    MailFault fault;
-    if (CEMailPerser().Perse(mail, areKept ? target : work.LibraryPath(), doc, 0, fault))
-        opened.files = FilesOf(doc, areKept);
-    else
-        opened.fault = FaultText(fault, folder);
+    opened.fault = HasTooManyParts(mail) ? TooManyPartsText() : Read(mail, folder, doc, opened.files);
     FillFromDocument(doc, opened);
     const HeaderValues header = HeaderOf(mail);
     FillFromHeader(header, opened);

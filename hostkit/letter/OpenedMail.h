@@ -36,9 +36,10 @@ struct OpenedMail {
                         // header's values are there all the same, body and files are not.
 };
 
-// Opens mail, which ReadMessage or MessageOf gave. The attachments become new files in folder, which is made if it is
-// missing; without a folder they are listed with name and size alone. No file that stands there is replaced. Throws
-// Failure if a folder cannot be had.
+// Opens mail, which ReadMessage or MessageOf gave. The attachments become new files in folder, under clean names (see
+// hostkit/files/FileName.h): all of them, each whole, or none. The folder is made if it is missing and there is
+// something to put into it; no file that stands there is replaced. Without a folder the attachments are listed with
+// name and size alone. A message of more parts than kMaxParts is not read. Throws Failure if a folder cannot be had.
 HOSTKIT_API OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder = {});
 
 }  // namespace hostkit

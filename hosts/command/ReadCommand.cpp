@@ -17,8 +17,8 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
     m_pCommand->add_flag("--json", m_bJson, "One JSON object a line for each message");
     m_pCommand->add_flag("--headers", m_bHeaders, "Show the header block as it stands");
     m_pCommand->footer(
-        "Control characters are spelled (\\x1B). Lines may end in CRLF or LF. No file in DIR is replaced; a message\n"
-        "that cannot be read to its end may leave some of its attachments there.\n"
+        "Control characters are spelled (\\x1B). Lines may end in CRLF or LF. No file in DIR is replaced; of a\n"
+        "message that cannot be read to its end none comes there.\n"
         "Exit status: 0, or 1 if any message could not be read; what could be read is still shown.");
 }
 

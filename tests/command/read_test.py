@@ -4,6 +4,7 @@ import base64
 import json
 import os
 import pathlib
+import resource
 import subprocess
 import sys
 import tempfile
@@ -47,9 +48,9 @@ class ReadTest(unittest.TestCase):
     def tearDown(self):
         self.assertEqual(os.listdir(self.temporary), [], "a temporary folder stays")
 
-    def run_it(self, *arguments, data=b"", status=0, complaints=()):
+    def run_it(self, *arguments, data=b"", status=0, complaints=(), **options):
         result = subprocess.run([COMMAND, *arguments], input=data, capture_output=True, cwd=self.folder,
-                                env=os.environ | {"TMPDIR": str(self.temporary)})
+                                env=os.environ | {"TMPDIR": str(self.temporary)}, **options)
         lines = result.stderr.decode().splitlines()
         self.assertEqual((result.returncode, len(lines)), (status, len(complaints)), result.stderr)
         for line, words in zip(lines, complaints):
@@ -123,6 +124,28 @@ class ReadTest(unittest.TestCase):
         if os.geteuid() != 0:
             self.run_it("read", "--extract", "odd", data=data, status=1, complaints=["written into odd"])
         self.assertEqual(sorted(os.listdir(self.folder)), ["new", "odd", "out", "tmp"])
+
+    def test_extracted_names_are_clean_and_unique(self):
+        names = ("a\x1bb.txt", "a_b.txt", ".bashrc", "-rf", "A.TXT", "a.txt", word("同じ.txt"), word("同じ.txt"), "x" * 250)
+        mails = ["Content-Type: message/rfc822\r\n\r\n" + mail(subject=s).decode() for s in ("same", "same", "")]
+        files = self.opened(mixed(*(file(name) for name in names), *mails), "--extract", "😀")["files"]
+        self.assertEqual([pathlib.Path(f["path"]).name for f in files], [
+            "a_b.txt", "a_b (1).txt", "bashrc", "rf", "A.TXT", "a (1).txt", "同じ.txt", "同じ (1).txt", "x" * 250,
+            "same.eml", "same (1).eml", "_.eml"])
+        self.assertEqual({f["path"] for f in files}, {f"😀/{name}" for name in os.listdir(self.folder / "😀")})
+
+    def test_all_attachments_are_extracted_or_none(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100_000, 100_000))
+        data = mixed(file("small"), file("big", "x" * 200_000))
+        full = ["'big' cannot be written into out: File too large"]
+        (self.folder / "here").mkdir()
+        self.run_it("read", "--extract", "out", data=data, status=1, complaints=full, preexec_fn=limit)
+        self.run_it("read", "--extract", "out", data=mixed(file("a"), closing=""), status=1, complaints=["closing"])
+        self.run_it("read", "--extract", "out", data=mail())
+        self.assertEqual(sorted(os.listdir(self.folder)), ["here", "tmp"])
+        self.run_it("read", "--extract", "here", data=data, status=1, complaints=["File too large"], preexec_fn=limit)
+        self.assertEqual(os.listdir(self.folder / "here"), [])
 
     def test_names_the_fault_and_shows_what_could_be_read(self):
         attached = "Content-Type: message/rfc822\r\n\r\nSubject: in\r\n\r\nx\r\n"
