@@ -4,8 +4,10 @@
 #include <cstring>
 #include <fcntl.h>
 #include <hostkit/characters/CodePage.h>
+#include <hostkit/files/Descriptors.h>
 #include <hostkit/letter/Attachment.h>
 #include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,8 +32,12 @@ struct stat StatusOf(const std::filesystem::path& path) {
 void CheckReadable(const std::filesystem::path& path) {
     if (!S_ISREG(StatusOf(path).st_mode))
         throw Failure(FailureKind::Input, Named(path), "is not a regular file; attach a copy of it");
-    if (faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
-        throw Failure(FailureKind::Input, Named(path), std::string("cannot be read: ") + std::strerror(errno));
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
+    if (!file) throw Failure(FailureKind::Input, Named(path), std::string("cannot be read: ") + std::strerror(errno));
+    // The library takes the same lock, and would ask whether the file was moved.
+    if (flock(file.Number(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        throw Failure(FailureKind::Input, Named(path),
+                      "is locked by another program; attach it when that is done, or a copy of it");
 }
 
 void CheckName(const std::filesystem::path& path) {
@@ -76,6 +82,11 @@ CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path) {
     CMailDoc::FileInfo file;
     file.Path = ToCarriedCodes(inside.View(), Named(path));
     return file;
+}
+
+void CheckAttachments(const CMailDoc& doc) {
+    for (const CMailDoc::FileInfo& file : FilesOf(doc))
+        CheckReadable(platform::ToNativePath(file.Path));
 }
 
 void CheckAttachedMails(const CMailDoc& doc) {

@@ -13,6 +13,10 @@ namespace hostkit {
 // quotes as it is (RFC 2183 2.3), so it may hold no double quote and no control character.
 CMailDoc::FileInfo AttachmentOf(const std::filesystem::path& path);
 
+// Throws Failure, in the system's words, for an attachment of the document that cannot be read now: one that is gone,
+// or that another program holds a lock on.
+void CheckAttachments(const CMailDoc& doc);
+
 // Throws Failure for an attached mail, which goes out as it is, that holds a NUL: the library's text ends there, and
 // all up to the end of the piece that was read would be missing from the message.
 void CheckAttachedMails(const CMailDoc& doc);

@@ -3,6 +3,8 @@
 #include <hostkit/characters/MailText.h>
 #include <hostkit/files/InputFile.h>
 #include <hostkit/letter/Attachment.h>
+#include <hostkit/letter/AttachmentCopies.h>
+#include <hostkit/letter/AttachmentWatch.h>
 #include <hostkit/letter/ProgressOperation.h>
 #include <hostkit/letter/SaveLetter.h>
 
@@ -47,11 +49,20 @@ std::string ReasonNotReadable(const CMailDoc& doc) {
     return IsEmpty(last) ? last + " is empty and the last attachment" : "";
 }
 
+// The writer's text asks whether an attachment was moved. The system says more of a file that it does not give.
+[[noreturn]] void ThrowReason(const CMailDoc& doc, const CString& error) {
+    CheckAttachments(doc);
+    throw Failure(FailureKind::Input, {}, OneLine(error));
+}
+
 // The new file goes with its target, so nothing stays of a message that was cancelled.
-Outcome Save(const CMailDoc& doc, OutputTarget& target, const Progress& progress) {
+Outcome Save(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     CheckAreNotTarget(doc, target);
     CheckAttachedMails(doc);
-    COutputStream& stream = target.Open();
+    const std::string reason = ReasonNotReadable(doc);
+    const AttachmentCopies copies(doc, Copied::Unsized);
+    const AttachmentWatch watch(doc);
+    WatchedStream stream(target.Open(), watch);
     ProgressOperation operation("保存中", doc.GetMailSize(), progress);
     CString error;
     const int written = CEMailWriter(&stream, doc, operation.Engine()).Write(error);
@@ -59,8 +70,8 @@ Outcome Save(const CMailDoc& doc, OutputTarget& target, const Progress& progress
     if (!written && operation.IsCancelled())
         return {Outcome::State::Cancelled, "cancelled; the mail was not written", target.Name()};
     target.CheckWritten();
-    if (!written) throw Failure(FailureKind::Input, {}, OneLine(error));
-    const std::string reason = ReasonNotReadable(doc);
+    watch.Check();
+    if (!written) ThrowReason(doc, error);
     Outcome done{Outcome::State::Done, reason.empty() ? "" : "mailengine cannot read this mail again: " + reason,
                  target.Name()};
     target.Commit();  // nothing may fail behind it
@@ -73,7 +84,7 @@ Outcome Failed(const Failure& failure, const std::filesystem::path& file) {
 
 }  // namespace
 
-Outcome SaveLetter(const CMailDoc& doc, const std::filesystem::path& file, const Progress& progress) {
+Outcome SaveLetter(CMailDoc& doc, const std::filesystem::path& file, const Progress& progress) {
     try {
         OutputTarget target(file);
         return Save(doc, target, progress);
@@ -82,7 +93,7 @@ Outcome SaveLetter(const CMailDoc& doc, const std::filesystem::path& file, const
     }
 }
 
-Outcome SaveLetter(const CMailDoc& doc, OutputTarget& target, const Progress& progress) {
+Outcome SaveLetter(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     try {
         return Save(doc, target, progress);
     } catch (const Failure& failure) {

@@ -13,10 +13,11 @@ namespace hostkit {
 // file that stands there stays as it is, and behind a failure or a cancel nothing new stays. Links are followed; the
 // owner, as far as this user may give it, and the permission bits are kept. Refused are a folder, a link to nothing, a
 // file that may not be written and one of the mail's own attachments. A pipe or a device gets the message as it comes.
+// An attachment that changes while it is read is a failure, which names it. doc is as it was when this returns.
 // A mail that was saved but could not be opened again has its reason in the outcome's text.
-HOSTKIT_API Outcome SaveLetter(const CMailDoc& doc, const std::filesystem::path& file, const Progress& progress = {});
+HOSTKIT_API Outcome SaveLetter(CMailDoc& doc, const std::filesystem::path& file, const Progress& progress = {});
 
 // The same to a target that was looked at before.
-HOSTKIT_API Outcome SaveLetter(const CMailDoc& doc, OutputTarget& target, const Progress& progress = {});
+HOSTKIT_API Outcome SaveLetter(CMailDoc& doc, OutputTarget& target, const Progress& progress = {});
 
 }  // namespace hostkit

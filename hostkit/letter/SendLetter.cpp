@@ -1,4 +1,5 @@
 #include <hostkit/letter/Attachment.h>
+#include <hostkit/letter/AttachmentCopies.h>
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/DeliveryWords.h>
 #include <hostkit/letter/Envelope.h>
@@ -35,6 +36,8 @@ Outcome SendLetter(CMailDoc& doc, const Progress& progress) {
     try {
         CheckEnvelope(doc);
         CheckAttachedMails(doc);
+        CheckAttachments(doc);
+        const AttachmentCopies copies(doc, Copied::All);
         const BlindCopies blind(doc);
         ProgressOperation operation("送信中", doc.GetMailSize(), progress);
         const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, blind.Recipients(), operation.Engine());

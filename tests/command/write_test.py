@@ -1,5 +1,6 @@
 #!/usr/bin/python3
 """mailengine write as a user starts it. First argument: the command."""
+import fcntl
 import os
 import pathlib
 import resource
@@ -254,6 +255,32 @@ class WriteTest(unittest.TestCase):
             result = subprocess.run([*write, *more], cwd=self.folder, capture_output=True)
             self.assertEqual((result.returncode, self.out.read_text().split("\n")[0]), (status, top), result.stderr)
             self.assert_only("out.eml")
+
+    def test_an_attachment_that_changes_is_refused_by_name(self):
+        grown = self.folder / "grown"
+        grown.write_bytes(b"x" * 100_000)
+        with open(grown, "ab") as end:
+            cat = subprocess.Popen(["cat"], stdin=subprocess.PIPE, stdout=end)
+        result = self.write("--attach", "grown", "-o", "-", capture_output=False, stdout=cat.stdin, stderr=subprocess.PIPE)
+        cat.communicate()
+        self.assert_fails(result, 1, "--attach", "grown", "was changed")
+        shrunk = self.folder / "shrunk"
+        reader, writer = os.pipe()
+        shrunk.write_bytes(b"x" * 10_000_000)
+        with subprocess.Popen([COMMAND, "write", "--attach", "shrunk", "-o", "-"], cwd=self.folder, stdout=writer,
+                              stderr=subprocess.PIPE) as process:
+            os.close(writer)
+            os.read(reader, 1000)
+            os.truncate(shrunk, 9_000_000)
+            with open(reader, "rb") as pipe:
+                pipe.read()
+            self.assertIn(b"shrunk: was changed", process.stderr.read())
+        self.assertEqual(process.returncode, 1)
+        status = self.written("--attach", "/proc/self/status").attachments()
+        self.assertEqual((status[0][0], status[0][1][:5]), ("status", b"Name:"))
+        with open(grown) as file:
+            fcntl.flock(file, fcntl.LOCK_EX)
+            self.assert_fails(self.write("--attach", "grown", "-o", "-"), 1, "grown", "locked by another program")
 
     def test_notices_that_the_output_takes_no_more(self):
         self.assert_fails(self.write("-o", "/dev/full"), 1, "/dev/full", "No space left")

@@ -1,6 +1,8 @@
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <iconv.h>
+#include <unistd.h>
 
 #include <mailengine/support/platform/text/Characters.h>
 #include <mailengine/support/platform/text/Unicode.h>
@@ -32,11 +34,18 @@ bool IsCarried(int code) {
 class Converter {
 public:
     Converter() : m_conversion(iconv_open("UTF-16LE", "CP932")) {
-        if (m_conversion == reinterpret_cast<iconv_t>(-1)) throw errno;
+        if (m_conversion == reinterpret_cast<iconv_t>(-1)) throw Reason(errno);
     }
     ~Converter() { iconv_close(m_conversion); }
     Converter(const Converter&) = delete;
     Converter& operator=(const Converter&) = delete;
+
+    // libc tells a conversion that it has no file for from one whose file it cannot open by nothing.
+    static int Reason(int error) {
+        const int file = error == EINVAL ? open("/", O_PATH | O_CLOEXEC) : -1;
+        if (file >= 0) close(file);
+        return file >= 0 || error != EINVAL ? error : errno;
+    }
 
     // 0: the code stands for no character, or for none of the first plane.
     char16_t CharacterOf(int code) const {
