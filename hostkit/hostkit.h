@@ -12,6 +12,7 @@
 #include <hostkit/files/InputFile.h>
 #include <hostkit/files/MediaTypes.h>
 #include <hostkit/files/MessageFile.h>
+#include <hostkit/files/MessageSource.h>
 #include <hostkit/files/NewFile.h>
 #include <hostkit/files/OutputTarget.h>
 #include <hostkit/files/PendingFile.h>

@@ -1,4 +1,3 @@
-#include <climits>
 #include <hostkit/characters/Failure.h>
 #include <hostkit/files/InputFile.h>
 #include <hostkit/files/MessageFile.h>
@@ -6,8 +5,6 @@
 namespace hostkit {
 
 namespace {
-
-constexpr std::size_t kMaxMessageBytes = INT_MAX;  // offsets in a message are int
 
 void CheckSize(const std::string& name, std::uintmax_t bytes) {
     if (bytes <= kMaxMessageBytes) return;
@@ -40,15 +37,15 @@ CString MessageOf(std::string bytes, const std::string& name) {
     return CString(std::move(bytes));
 }
 
-CString ReadMessage(const std::filesystem::path& path) {
+std::string ReadMessage(const std::filesystem::path& path) {
     std::error_code none;
     const std::uintmax_t size = std::filesystem::file_size(path, none);
     if (!none) CheckSize(path.native(), size);
-    return MessageOf(ReadWhole(path, kMaxMessageBytes), path.native());
+    return ReadWhole(path, kMaxMessageBytes);
 }
 
-CString ReadMessage(int descriptor, const std::string& name) {
-    return MessageOf(ReadWhole(descriptor, name, kMaxMessageBytes), name);
+std::string ReadMessage(int descriptor, const std::string& name) {
+    return ReadWhole(descriptor, name, kMaxMessageBytes);
 }
 
 }  // namespace hostkit

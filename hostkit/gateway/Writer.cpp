@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cctype>
 #include <hostkit/files/FileName.h>
 #include <hostkit/gateway/Writer.h>
 
@@ -28,6 +29,12 @@ std::string Base64Of(std::string_view bytes) {
 bool IsPlain(std::string_view text) {
     const bool isPrintable = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < 0x7F; });
     return isPrintable && text.size() <= kMaxPlainBytes && text.find("=?") == std::string_view::npos;
+}
+
+// Whether it needs no quotes in a name (RFC 5322 3.2.3; the dot is in use).
+bool IsAtomText(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 ||
+           std::string_view(" !#$%&'*+-./^_`{|}~").find(c) != std::string_view::npos;
 }
 
 // Encoded words on lines of their own: between those the engine puts nothing.
@@ -109,6 +116,7 @@ std::string Writer::ItemOf(const Mailbox& mailbox) {
     if (mailbox.name.empty()) return address;
     const std::string name = OneLine(mailbox.name);
     const bool isQuotable = IsPlain(name) && name.find_first_of("<>\"\\") == std::string::npos;
+    if (IsPlain(name) && std::all_of(name.begin(), name.end(), IsAtomText)) return name + " <" + address + '>';
     if (isQuotable) return '"' + name + "\" <" + address + '>';
     return ValueOf(m_characters.ToDialect(name, kAddressStructure)) + " <" + address + '>';
 }

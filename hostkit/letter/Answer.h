@@ -21,14 +21,16 @@ struct AnswerOptions {
     // The user's own mail addresses (user@host, in any case), which get no answer. One to a mail of their own goes to
     // its recipients.
     std::vector<std::string> own{};
-    std::string name{};  // of the answered mail, for a failure
+    std::string name{};   // of the answered mail, for a failure
+    bool strict = false;  // the answered mail is read as OpenOptions say, and its Reply-To is not looked at
 };
 
-// Makes doc, which is new, the answer to mail, which ReadMessage or MessageOf gave: its recipients, subject with "Re:
-// ", thread, and the old mail quoted below its summary; then letter is filled in, its body beside the quoted mail. What
-// a Japanese mail cannot carry of the old mail becomes 〓. The result warns of each address that is left out, because
-// it could not be sent to. Throws Failure.
-HOSTKIT_API std::vector<std::string> PrepareAnswer(const CString& mail, const Letter& letter, CMailDoc& doc,
+// Makes doc, which is new, the answer to the message, which comes byte for byte as its store has it: its recipients
+// (Reply-To in place of the sender, where it has one), subject with "Re: ", thread, and the old mail quoted below its
+// summary; then letter is filled in, its body beside the quoted mail. What a Japanese mail cannot carry of the old mail
+// becomes 〓. The result warns of each address that is left out, because it could not be sent to, and of how many
+// characters were lost. Throws Failure.
+HOSTKIT_API std::vector<std::string> PrepareAnswer(std::string message, const Letter& letter, CMailDoc& doc,
                                                    const AnswerOptions& options = {});
 
 }  // namespace hostkit

@@ -6,8 +6,6 @@ namespace hostkit {
 
 namespace {
 
-using AsLine = CString (*)(std::string_view);
-
 class Reader : private CEMailPerser {
 public:
     void Read(const CString& mail, HeaderValues& values) {
@@ -30,16 +28,15 @@ public:
             PerseMime(mail, next, nullptr, body, names, nullptr, top, end);
     }
 
-    CString Summary(const HeaderValues& values, const CStringArray& fileNames, AsLine asLine) {
+    CString Summary(const HeaderValues& values, const CStringArray& fileNames, const AsLine& asLine) {
         CString summary;
         MakeOriginalSummary(Lines(values.from, asLine), Lines(values.to, asLine), Lines(values.cc, asLine),
-                            asLine(values.subject.View()), asLine(values.date.View()), Lines(fileNames, asLine),
-                            summary);
+                            asLine(values.subject.View()), asLine(values.date.View()), fileNames, summary);
         return summary;
     }
 
 private:
-    static CStringArray Lines(const CStringArray& values, AsLine asLine) {
+    static CStringArray Lines(const CStringArray& values, const AsLine& asLine) {
         CStringArray lines;
         for (int i = 0; i < values.GetSize(); ++i)
             lines.SetAtGrow(i, asLine(values.GetAt(i).View()));
@@ -61,7 +58,7 @@ CStringArray AttachmentNames(const CString& mail) {
     return names;
 }
 
-CString SummaryOf(const HeaderValues& values, const CStringArray& fileNames, AsLine asLine) {
+CString SummaryOf(const HeaderValues& values, const CStringArray& fileNames, const AsLine& asLine) {
     return Reader().Summary(values, fileNames, asLine);
 }
 

@@ -2,6 +2,7 @@
 // decoded: they can hold any character, line ends and NUL too. One thread.
 #pragma once
 
+#include <functional>
 #include <hostkit/characters/Export.h>
 #include <string_view>
 
@@ -22,8 +23,11 @@ HeaderValues HeaderOf(const CString& mail);
 // The names of the attachments, as far as mail can be walked. No file is written.
 CStringArray AttachmentNames(const CString& mail);
 
-// The header as people read it above a quoted mail, a line for each field, in CRLF. asLine makes one line of a value:
-// a line end in it would show fields that the header does not have, or words that its sender never read.
-CString SummaryOf(const HeaderValues& values, const CStringArray& fileNames, CString (*asLine)(std::string_view));
+// Makes one line of a value: a line end in it would show fields that the header does not have, or words that its sender
+// never read.
+using AsLine = std::function<CString(std::string_view)>;
+
+// The header as people read it above a quoted mail, a line for each field, in CRLF. The names are lines already.
+CString SummaryOf(const HeaderValues& values, const CStringArray& fileNames, const AsLine& asLine);
 
 }  // namespace hostkit

@@ -1,130 +1,196 @@
-#include <filesystem>
 #include <hostkit/characters/MailText.h>
+#include <hostkit/characters/Utf8.h>
+#include <hostkit/files/FileName.h>
 #include <hostkit/files/TargetFolder.h>
+#include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/HeaderValues.h>
 #include <hostkit/letter/OpenedMail.h>
-#include <hostkit/letter/PartLimit.h>
+#include <hostkit/letter/StoredMail.h>
 #include <optional>
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/parser/EMailPerser.h>
 #include <mailengine/support/platform/files/Path.h>
-#include <mailengine/support/platform/text/StringArray.h>
 
 namespace hostkit {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr char kMailExtension[] = ".eml";
 
-std::string TextOf(const CString& value) {
-    return hostkit::TextOf(value.View());
+CString ValueOf(const CMailDoc& doc, void (CMailDoc::*value)(CString&) const) {
+    CString text;
+    (doc.*value)(text);
+    return text;
 }
 
-MailAddress MailAddressOf(const CAddress& address) {
-    return {TextOf(address.GetDisplayName()), TextOf(address.GetMailAddress())};
-}
+// Fills an opened mail from what was read of a stored one.
+class Filler {
+public:
+    Filler(const StoredMail& mail, OpenedMail& opened) : m_mail(mail), m_opened(opened) {}
 
-std::vector<MailAddress> MailAddressesOf(const CMailDoc& doc, unsigned int size, AddressAt addressAt) {
-    std::vector<MailAddress> read;
-    read.reserve(size);
-    for (unsigned int i = 0; i < size; ++i)
-        read.push_back(MailAddressOf(*(doc.*addressAt)(i)));
-    return read;
-}
-
-std::vector<MailAddress> MailAddressesOf(const CStringArray& texts) {
-    std::vector<MailAddress> read;
-    read.reserve(static_cast<std::size_t>(texts.GetSize()));
-    for (int i = 0; i < texts.GetSize(); ++i) {
-        CAddress address;
-        address.FromText(texts.GetAt(i));
-        read.push_back(MailAddressOf(address));
+    void FillHeader() {
+        m_header = HeaderOf(m_mail.ForParser());
+        m_opened.from = MailboxesOf(m_header.from);
+        m_opened.replyTo = m_mail.IsPassed() ? m_mail.Gateway().replyTo : MailboxesOf(m_header.replyTo);
+        m_opened.date = TextOf(m_header.date);
+        m_opened.messageId = TextOf(m_header.messageId);
+        m_opened.references = TextOf(m_header.references);
+        m_opened.header = HeaderTextOf(m_mail.Gateway().changed ? m_mail.Block() : m_header.block.View());
     }
-    return read;
-}
 
-CString ShownLine(std::string_view value) {
-    return CString(LineShown(value));
-}
+    // What is taken over is dropped there: a list of addresses takes many times its field.
+    void FillDocument(CMailDoc& doc) {
+        m_opened.subject = TextOf(ValueOf(doc, &CMailDoc::GetSubject));
+        m_opened.to = MailboxesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress);
+        doc.ClearToAddresses();
+        m_opened.cc = MailboxesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress);
+        doc.ClearCcAddresses();
+        m_opened.body = TextOf(ValueOf(doc, &CMailDoc::GetBody));
+    }
 
-void FillFromHeader(const HeaderValues& header, OpenedMail& opened) {
-    opened.from = MailAddressesOf(header.from);
-    opened.replyTo = MailAddressesOf(header.replyTo);
-    opened.date = TextOf(header.date);
-    opened.messageId = TextOf(header.messageId);
-    opened.references = TextOf(header.references);
-    opened.header = HeaderTextOf(header.block.View());
-}
+    void FillSummary() {
+        CStringArray names;
+        for (const OpenedMail::File& file : m_opened.files)
+            names.SetAtGrow(names.GetSize(), CString(Shown(file.name)));
+        m_opened.summary = SummaryOf(m_header, names, [this](std::string_view value) {
+                               return CString(Shown(m_mail.TextOf(value)));
+                           }).View();
+    }
 
-// What is taken over is dropped there: a list of addresses takes many times its field.
-void FillFromDocument(CMailDoc& doc, OpenedMail& opened) {
-    const auto get = [&](void (CMailDoc::*value)(CString&) const) {
-        CString text;
-        (doc.*value)(text);
-        return text;
-    };
-    opened.subject = TextOf(get(&CMailDoc::GetSubject));
-    opened.to = MailAddressesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress);
-    doc.ClearToAddresses();
-    opened.cc = MailAddressesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress);
-    doc.ClearCcAddresses();
-    opened.body = TextOf(get(&CMailDoc::GetBody));
-}
+    void FillGateway() {
+        const Passed& passed = m_mail.Gateway();
+        m_opened.gateway = passed.changed;
+        m_opened.replaced = passed.characters.Replaced();
+        m_opened.alternatives = passed.alternatives;
+        for (const Notice& notice : passed.notices)
+            m_opened.warnings.push_back(notice.Sentence());
+    }
+
+private:
+    std::string TextOf(const CString& value) const { return m_mail.TextOf(value.View()); }
+
+    Mailbox MailboxOf(const CAddress& address) const {
+        return {TextOf(address.GetDisplayName()), TextOf(address.GetMailAddress())};
+    }
+
+    std::vector<Mailbox> MailboxesOf(const CMailDoc& doc, unsigned int size, AddressAt addressAt) const {
+        std::vector<Mailbox> read;
+        read.reserve(size);
+        for (unsigned int i = 0; i < size; ++i)
+            read.push_back(MailboxOf(*(doc.*addressAt)(i)));
+        return read;
+    }
+
+    std::vector<Mailbox> MailboxesOf(const CStringArray& texts) const {
+        std::vector<Mailbox> read;
+        read.reserve(static_cast<std::size_t>(texts.GetSize()));
+        for (int i = 0; i < texts.GetSize(); ++i) {
+            CAddress address;
+            address.FromText(texts.GetAt(i));
+            read.push_back(MailboxOf(address));
+        }
+        return read;
+    }
+
+    const StoredMail& m_mail;
+    HeaderValues m_header;
+    OpenedMail& m_opened;
+};
 
 // An attached mail is known by the end of the file that the library made for it, which its name lacks.
-std::string FileNameOf(const CMailDoc::FileInfo& info, const std::filesystem::path& made) {
-    const std::string name = TextOf(info.Name);
+std::string FileNameOf(const std::string& name, const CMailDoc::FileInfo& info, const fs::path& made) {
     const bool isMail = made.extension() == kMailExtension || made.filename() == kMailExtension;
     if (!isMail || made.filename() == platform::ToNativePath(info.Name)) return name;
     return (name.empty() ? "_" : name) + kMailExtension;
 }
 
-std::vector<OpenedMail::File> FilesOf(const CMailDoc& doc, TargetFolder* target) {
-    std::vector<CMailDoc::FileInfo> infos;
-    doc.GetFiles(infos);
-    std::vector<OpenedMail::File> files;
-    files.reserve(infos.size());
-    for (const CMailDoc::FileInfo& info : infos) {
-        const std::filesystem::path made = platform::ToNativePath(info.Path);
-        std::error_code gone;
-        const std::uintmax_t size = std::filesystem::file_size(made, gone);
-        OpenedMail::File& file = files.emplace_back(OpenedMail::File{TextOf(info.Name), {}, gone ? 0 : size});
-        if (target != nullptr) file.path = target->Take(made.filename(), FileNameOf(info, made));
+// Lists the attachments that the parser made, under the names that people see; target, if there is one, takes them.
+class Lister {
+public:
+    Lister(const StoredMail& mail, TargetFolder* target) : m_mail(mail), m_pTarget(target) {}
+
+    std::vector<OpenedMail::File> List(const CMailDoc& doc) {
+        std::vector<CMailDoc::FileInfo> infos;
+        doc.GetFiles(infos);
+        std::vector<OpenedMail::File> files;
+        files.reserve(infos.size());
+        for (const CMailDoc::FileInfo& info : infos)
+            files.push_back(Listed(info, files.size()));
+        return files;
     }
-    return files;
-}
+
+private:
+    OpenedMail::File Listed(const CMailDoc::FileInfo& info, std::size_t at) {
+        const fs::path made = platform::ToNativePath(info.Path);
+        const std::vector<PassedFile>& known = m_mail.Gateway().files;
+        OpenedMail::File file;
+        file.original = at < known.size() ? known[at].original : m_mail.TextOf(info.Name.View());
+        file.name = at < known.size() ? known[at].name : FileNameOf(file.original, info, made);
+        std::error_code gone;
+        const std::uintmax_t size = fs::file_size(made, gone);
+        file.size = gone ? 0 : size;
+        if (m_pTarget != nullptr) file.path = m_pTarget->Take(made.filename(), file.name);
+        if (!m_mail.IsPassed())
+            file.name = file.original;
+        else
+            file.name = m_pTarget != nullptr ? file.path.filename().native() : Unique(file.name);
+        return file;
+    }
+
+    std::string Unique(const std::string& name) {
+        const std::string clean = CleanFileName(name);
+        return m_names.Take(clean.empty() ? "_" : clean);
+    }
+
+    const StoredMail& m_mail;
+    TargetFolder* m_pTarget;
+    UniqueFileNames m_names;
+};
 
 // The fault of a message that can be read to its end, but for the attachments, is the folder's.
-std::string Read(const CString& mail, const std::filesystem::path& folder, CMailDoc& doc,
-                 std::vector<OpenedMail::File>& files) {
+std::string Read(const StoredMail& mail, const fs::path& folder, CMailDoc& doc, std::vector<OpenedMail::File>& files) {
     std::optional<TargetFolder> target;
     if (!folder.empty()) target.emplace(folder);
     std::optional<WorkFolder> work;
     const WorkFolder& place = target ? target->Work() : work.emplace();
     MailFault fault;
-    if (!CEMailPerser().Perse(mail, place.LibraryPath(), doc, 0, fault)) return FaultText(fault, folder);
-    files = FilesOf(doc, target ? &*target : nullptr);
+    if (!CEMailPerser().Perse(mail.ForParser(), place.LibraryPath(), doc, 0, fault)) return FaultText(fault, folder);
+    files = Lister(mail, target ? &*target : nullptr).List(doc);
     if (target) target->Keep();
     return "";
 }
 
 }  // namespace
 
-OpenedMail OpenMail(const CString& mail, const std::filesystem::path& folder) {
-    CMailDoc doc;
+OpenedMail OpenMail(std::string message, const OpenOptions& options) {
+    const StoredMail mail(std::move(message), options.strict);
     OpenedMail opened;
-    opened.fault = HasTooManyParts(mail) ? TooManyPartsText() : Read(mail, folder, doc, opened.files);
-    FillFromDocument(doc, opened);
-    const HeaderValues header = HeaderOf(mail);
-    FillFromHeader(header, opened);
-    CStringArray names;
-    for (const OpenedMail::File& file : opened.files)
-        names.SetAtGrow(names.GetSize(), CString(file.name));
-    opened.summary = SummaryOf(header, names, ShownLine).View();
+    CMailDoc doc;
+    opened.fault = mail.Refusal();
+    if (opened.fault.empty()) opened.fault = Read(mail, options.folder, doc, opened.files);
+    Filler filler(mail, opened);
+    filler.FillDocument(doc);
+    filler.FillHeader();
+    filler.FillSummary();
+    filler.FillGateway();
     return opened;
+}
+
+OpenedSubject OpenSubject(std::string message, bool strict) {
+    if (!strict) message.resize(HeaderBytes(message));
+    const StoredMail mail(std::move(message), strict);
+    if (!mail.Gateway().refusal.empty()) return {"", mail.Gateway().refusal};
+    CString subject;
+    if (CEMailPerser().GetSubject(mail.ForParser(), subject)) return {mail.TextOf(subject.View()), ""};
+    CMailDoc rest;  // the header may hold one all the same
+    MailFault fault;
+    CEMailPerser().Perse(mail.ForParser(), nullptr, rest, 1, fault);
+    return {mail.TextOf(ValueOf(rest, &CMailDoc::GetSubject).View()), FaultText(fault)};
 }
 
 }  // namespace hostkit

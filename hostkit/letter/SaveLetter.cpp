@@ -1,7 +1,7 @@
-#include <climits>
+#include <cstring>
 #include <filesystem>
 #include <hostkit/characters/MailText.h>
-#include <hostkit/files/InputFile.h>
+#include <hostkit/files/MessageFile.h>
 #include <hostkit/letter/Attachment.h>
 #include <hostkit/letter/AttachmentCopies.h>
 #include <hostkit/letter/AttachmentWatch.h>
@@ -14,39 +14,29 @@ namespace hostkit {
 
 namespace {
 
-// The writer sends a file of this extension as it is, as an attached mail; the reader then asks whether it is one.
-bool IsUnreadableMail(const CString& path, const std::string& native) {
-    if (CFileUtility::GetFileExt(path) != "eml") return false;
-    try {
-        CString subject;
-        return CEMailPerser().GetSubject(CString(ReadWhole(native, INT_MAX)), subject) == 0;
-    } catch (const Failure&) {
-        return true;  // too large, or gone meanwhile
-    }
-}
-
-// By reading: some files of the system tell the size 0 and hold something.
-bool IsEmpty(const std::string& native) {
-    try {
-        return ReadWhole(native, 0).empty();
-    } catch (const Failure&) {
-        return false;
-    }
-}
-
-// What keeps the reader from the written mail, empty if nothing does.
-std::string ReasonNotReadable(const CMailDoc& doc) {
+// An attached mail stands as it is, any other file as Base64, in lines of 72 characters.
+bool IsTooLargeToRead(const CMailDoc& doc) {
     std::vector<CMailDoc::FileInfo> files;
     doc.GetFiles(files);
+    std::uintmax_t bytes = 0;
     for (const CMailDoc::FileInfo& file : files) {
-        const std::string native = platform::ToNativePath(file.Path);
-        if (IsUnreadableMail(file.Path, native)) {
-            return native + " cannot be read as a mail itself (MIME-Version 1.0 and CRLF line ends are needed)";
-        }
+        std::error_code gone;
+        const std::uintmax_t size = std::filesystem::file_size(platform::ToNativePath(file.Path), gone);
+        const bool isMail = CFileUtility::GetFileExt(file.Path) == "eml";
+        if (!gone) bytes += isMail ? size : size / 54 * 74;
     }
-    if (files.empty()) return "";
-    const std::string last = platform::ToNativePath(files.back().Path);
-    return IsEmpty(last) ? last + " is empty and the last attachment" : "";
+    return bytes > kMaxMessageBytes;
+}
+
+// What others may refuse in the written mail, empty if nothing.
+std::string WarningFor(const CMailDoc& doc) {
+    constexpr int kMaxLineBytes = 998;  // RFC 5322 2.1.1
+    if (IsTooLargeToRead(doc)) return "the mail has 2 GiB or more; mailengine, as many others, cannot read it again";
+    CString subject;
+    doc.GetSubject(subject);
+    const int line = subject.GetLength() + static_cast<int>(std::strlen("Subject: "));
+    if (CLanguage::IsJapanese(subject) || line <= kMaxLineBytes) return "";
+    return "the subject is one line of " + std::to_string(line) + " bytes; servers may refuse more than 998";
 }
 
 // The writer's text asks whether an attachment was moved. The system says more of a file that it does not give.
@@ -59,7 +49,7 @@ std::string ReasonNotReadable(const CMailDoc& doc) {
 Outcome Save(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     CheckAreNotTarget(doc, target);
     CheckAttachedMails(doc);
-    const std::string reason = ReasonNotReadable(doc);
+    const std::string warning = WarningFor(doc);
     const AttachmentCopies copies(doc, Copied::Unsized);
     const AttachmentWatch watch(doc);
     WatchedStream stream(target.Open(), watch);
@@ -72,8 +62,7 @@ Outcome Save(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     target.CheckWritten();
     watch.Check();
     if (!written) ThrowReason(doc, error);
-    Outcome done{Outcome::State::Done, reason.empty() ? "" : "mailengine cannot read this mail again: " + reason,
-                 target.Name()};
+    Outcome done{Outcome::State::Done, warning, target.Name()};
     target.Commit();  // nothing may fail behind it
     return done;
 }

@@ -14,7 +14,7 @@ namespace hostkit {
 // owner, as far as this user may give it, and the permission bits are kept. Refused are a folder, a link to nothing, a
 // file that may not be written and one of the mail's own attachments. A pipe or a device gets the message as it comes.
 // An attachment that changes while it is read is a failure, which names it. doc is as it was when this returns.
-// A mail that was saved but could not be opened again has its reason in the outcome's text.
+// What others may refuse of a mail that was saved, its size or a line of it, is in the outcome's text.
 HOSTKIT_API Outcome SaveLetter(CMailDoc& doc, const std::filesystem::path& file, const Progress& progress = {});
 
 // The same to a target that was looked at before.

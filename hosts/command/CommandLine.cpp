@@ -2,7 +2,6 @@
 
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/files/InputFile.h>
-#include <hostkit/files/MessageFile.h>
 #include <unistd.h>
 
 #include "StandardFiles.h"
@@ -16,11 +15,6 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string NameOfInput(const std::string& path) {
     return path == kStandard ? "standard input" : path;
-}
-
-CString MessageAt(const std::string& path) {
-    if (path == kStandard) CheckStandardInput();
-    return path == kStandard ? hostkit::ReadMessage(STDIN_FILENO, NameOfInput(path)) : hostkit::ReadMessage(path);
 }
 
 std::string TextAt(const std::string& path) {

@@ -10,8 +10,6 @@
 // "standard input" for "-", else the path: how an input is named to the user.
 std::string NameOfInput(const std::string& path);
 
-// The message, with CRLF line ends. Throws hostkit::Failure.
-CString MessageAt(const std::string& path);
 // The text of a file, without the mark that editors of other systems put in front of UTF-8. Throws hostkit::Failure.
 std::string TextAt(const std::string& path);
 

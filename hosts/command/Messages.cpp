@@ -1,19 +1,30 @@
 #include "Messages.h"
 
 #include <hostkit/characters/Failure.h>
+#include <memory>
 #include <new>
+#include <unistd.h>
 
 #include "CommandLine.h"
 #include "Faults.h"
+#include "StandardFiles.h"
 #include "Terminal.h"
 
 namespace {
 
 using hostkit::Failure;
+using hostkit::MessageSource;
 
-int StatusOf(const std::string& file, const std::function<void(const std::string&)>& take) {
+std::unique_ptr<MessageSource> SourceAt(const std::string& file) {
+    if (file != "-") return std::make_unique<MessageSource>(file);
+    CheckStandardInput();
+    return std::make_unique<MessageSource>(STDIN_FILENO, NameOfInput(file));
+}
+
+// 0, or the exit status of what work threw, which is told. name is what the work is for by then.
+int StatusOf(const std::string& name, const std::function<void()>& work) {
     try {
-        take(file);
+        work();
         return 0;
     } catch (const Failure&) {
         return ReportFault();
@@ -21,19 +32,68 @@ int StatusOf(const std::string& file, const std::function<void(const std::string
     }
     // Here the memory of the attempt is free again.
     try {
-        throw Failure(hostkit::FailureKind::System, {hostkit::Field::None, NameOfInput(file)},
+        throw Failure(hostkit::FailureKind::System, {hostkit::Field::None, name},
                       "there is not enough memory to read it");
     } catch (const Failure&) {
         return ReportFault();
     }
 }
 
+class CReading {
+public:
+    CReading(const std::string& file, const std::function<void(CFoundMessage)>& take) : m_strFile(file), m_take(take) {}
+
+    // The exit status.
+    int Run() {
+        Check(StatusOf(NameOfInput(m_strFile), [this] { m_pSource = SourceAt(m_strFile); }));
+        while (m_pSource && !m_bEnd) {
+            std::string name = NameOfInput(m_strFile);
+            Check(StatusOf(name, [&] { TakeNext(name); }));
+            terminal::Finish();
+        }
+        return m_nStatus;
+    }
+
+private:
+    void Check(int status) {
+        if (status != 0) m_nStatus = status;
+    }
+
+    void TakeNext(std::string& name) {
+        std::optional<MessageSource::Message> message = m_pSource->Next();
+        m_bEnd = !message;
+        if (!message) return;
+        name = message->name;
+        if (m_strFile == "-") message->file = m_strFile;
+        m_take({std::move(*message), m_pSource->HoldsMany()});
+    }
+
+    const std::string& m_strFile;
+    const std::function<void(CFoundMessage)>& m_take;
+    std::unique_ptr<MessageSource> m_pSource;
+    bool m_bEnd = false;
+    int m_nStatus = 0;
+};
+
 }  // namespace
 
-int ForEachMessage(const std::vector<std::string>& files, const std::function<void(const std::string&)>& take) {
+int ForEachMessage(const std::vector<std::string>& files, const std::function<void(CFoundMessage)>& take) {
     int status = 0;
     for (const std::string& file : files)
-        if (const int one = StatusOf(file, take); one != 0) status = one;
-    terminal::Finish();
+        if (const int one = CReading(file, take).Run(); one != 0) status = one;
     return status;
+}
+
+MessageSource::Message TheMessage(const std::string& file, std::optional<std::size_t> number) {
+    const std::unique_ptr<MessageSource> source = SourceAt(file);
+    std::size_t last = 0;
+    while (std::optional<MessageSource::Message> message = source->Next()) {
+        last = message->number;
+        if (number && last != *number) continue;
+        if (!number && source->HoldsMany() && source->Next())
+            throw CFailure(NameOfInput(file) + ": holds many messages; name one with --message", kExitUsage);
+        return std::move(*message);
+    }
+    throw CFailure(NameOfInput(file) + ": holds " + (last == 0 ? "no message" : std::to_string(last) + " messages") +
+                   (number ? "; --message " + std::to_string(*number) + " is not there" : ""));
 }

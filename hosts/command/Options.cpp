@@ -18,6 +18,10 @@ CLI::Option* options::AddFile(CLI::App& command, std::string& file, const char* 
     return Filled(command.add_option("FILE", file, help));
 }
 
+void options::AddStrict(CLI::App& command, bool& strict) {
+    command.add_flag("--strict", strict, "Read with the engine alone: ISO-2022-JP mail of its own dialect, exactly");
+}
+
 CLI::Option* options::AddFiles(CLI::App& command, std::vector<std::string>& files, const char* help) {
     return Filled(command.add_option("FILE", files, help))
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)

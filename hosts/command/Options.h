@@ -25,4 +25,7 @@ CLI::Option* AddMany(CLI::App& command, const char* name, std::vector<Value>& va
 CLI::Option* AddFile(CLI::App& command, std::string& file, const char* help);
 CLI::Option* AddFiles(CLI::App& command, std::vector<std::string>& files, const char* help);
 
+// --strict: messages are read by the engine alone.
+void AddStrict(CLI::App& command, bool& strict);
+
 }  // namespace options

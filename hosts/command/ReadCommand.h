@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "Messages.h"
 
 class CReadCommand : public CCommand {
 public:
@@ -12,10 +13,11 @@ public:
     int Run() const override;
 
 private:
-    void Read(const std::string& path) const;
+    void Read(CFoundMessage found) const;
 
     std::vector<std::string> m_strFiles;
     std::optional<std::string> m_strFolder;
+    bool m_bStrict = false;
     bool m_bJson = false;
     bool m_bHeaders = false;
 };

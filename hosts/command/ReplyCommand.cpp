@@ -1,6 +1,5 @@
 #include "ReplyCommand.h"
 
-#include <hostkit/letter/Answer.h>
 #include <hostkit/letter/SaveLetter.h>
 
 #include "CommandLine.h"
@@ -8,22 +7,14 @@
 #include "Options.h"
 #include "Terminal.h"
 
-void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc& doc) {
-    if (file == "-" && options.ReadsStandardInput())
-        throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
-    if (options.HasEmptySubject())
-        throw CFailure("--subject: is empty, and would take that of the answered mail away; leave it out", kExitUsage);
-    const CString mail = MessageAt(file);
-    for (const std::string& warning : hostkit::PrepareAnswer(mail, options.Letter(), doc, {.name = NameOfInput(file)}))
-        terminal::Warn(warning);
-}
-
 CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Write a mail that answers another") {
-    options::AddFile(*m_pCommand, m_strFile, "The message to answer; - is standard input")->required();
+    CLI::Option* file = options::AddFile(*m_pCommand, m_strFile, "The message to answer; - is standard input");
+    m_answer.AddTo(*m_pCommand, *file->required());
     m_letter.AddTo(*m_pCommand);
     m_output.AddTo(*m_pCommand);
     m_pCommand->footer(
-        "The old mail gives To (who wrote it), Cc (its other recipients), the subject with \"Re: \", and the thread.\n"
+        "The old mail gives To (its Reply-To, else who wrote it), Cc (its other recipients), the subject with \"Re: "
+        "\", and the thread.\n"
         "--to and --cc add to these, --subject replaces. The body is the old mail, quoted, and below it --body; with\n"
         "--upper-reply it is --body, closing and signature, and the old mail below a line that says so. What a\n"
         "Japanese mail cannot carry of the old mail becomes 〓.\n"
@@ -32,13 +23,13 @@ CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Wr
 
 int CReplyCommand::Run() const {
     CMailDoc doc;
-    AnswerMail(m_strFile, m_letter, doc);
+    const std::filesystem::path answered = m_answer.Answer(m_strFile, m_letter, doc);
     if (doc.GetToAddressSize() == 0) terminal::Warn("the answered mail names no sender; give --to");
 
     const std::unique_ptr<hostkit::OutputTarget> target = m_output.Target();
     struct stat status;
-    if (m_strFile != "-" && stat(m_strFile.c_str(), &status) == 0)
-        target->CheckIsNot(status, {hostkit::Field::None, m_strFile});
+    if (m_strFile != "-" && stat(answered.c_str(), &status) == 0)
+        target->CheckIsNot(status, {hostkit::Field::None, answered.native()});
     CheckDone(hostkit::SaveLetter(doc, *target));
     return 0;
 }

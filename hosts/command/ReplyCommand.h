@@ -1,13 +1,10 @@
 // CReplyCommand: mailengine reply, a mail that answers another.
 #pragma once
 
+#include "AnswerOptions.h"
 #include "Command.h"
 #include "LetterOptions.h"
 #include "OutputOptions.h"
-
-// Makes doc the answer to the mail in file (- is standard input), filled by what the options give. Warns on stderr of
-// what was left out. Throws CFailure where both are standard input, and hostkit::Failure.
-void AnswerMail(const std::string& file, const CLetterOptions& options, CMailDoc& doc);
 
 class CReplyCommand : public CCommand {
 public:
@@ -16,6 +13,7 @@ public:
 
 private:
     CLetterOptions m_letter;
+    CAnswerOptions m_answer;
     std::string m_strFile;
     COutputOptions m_output;
 };

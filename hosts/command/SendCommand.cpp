@@ -7,7 +7,6 @@
 
 #include "Faults.h"
 #include "Options.h"
-#include "ReplyCommand.h"
 #include "Terminal.h"
 #include "TerminalProgress.h"
 
@@ -37,9 +36,9 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
     options::Filled(m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given"))
         ->type_name("HOST[:PORT]")
         ->required();
-    options::Filled(
-        m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input"))
-        ->type_name("FILE");
+    CLI::Option* answered = options::Filled(
+        m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input"));
+    m_answer.AddTo(*m_pCommand, *answered->type_name("FILE"));
     m_pCommand->add_flag("--dry-run", m_bDryRun, "Print sender, recipients and size; connect to nothing");
     m_pCommand->add_flag("--quiet", m_bQuiet, "Show no progress");
     m_pCommand->footer(
@@ -57,7 +56,7 @@ int CSendCommand::Run() const {
     if (m_strAnswered.empty())
         m_letter.Letter().Fill(doc);
     else
-        AnswerMail(m_strAnswered, m_letter, doc);
+        m_answer.Answer(m_strAnswered, m_letter, doc);
     hostkit::CheckEnvelope(doc);
     if (m_bDryRun)
         PrintEnvelope(doc);

@@ -1,6 +1,7 @@
 // CSendCommand: mailengine send, a mail from options to a mail server.
 #pragma once
 
+#include "AnswerOptions.h"
 #include "Command.h"
 #include "LetterOptions.h"
 
@@ -12,6 +13,7 @@ public:
 
 private:
     CLetterOptions m_letter;
+    CAnswerOptions m_answer;
     std::string m_strServer;
     std::string m_strAnswered;
     bool m_bDryRun = false;

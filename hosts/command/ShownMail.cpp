@@ -12,9 +12,9 @@ namespace {
 
 using nlohmann::ordered_json;
 
-ordered_json JsonOf(const std::vector<hostkit::MailAddress>& addresses) {
+ordered_json JsonOf(const std::vector<hostkit::Mailbox>& addresses) {
     ordered_json list = ordered_json::array();
-    for (const hostkit::MailAddress& one : addresses)
+    for (const hostkit::Mailbox& one : addresses)
         list.push_back({{"name", one.name}, {"address", one.address}});
     return list;
 }
@@ -22,7 +22,7 @@ ordered_json JsonOf(const std::vector<hostkit::MailAddress>& addresses) {
 ordered_json JsonOf(const std::vector<OpenedMail::File>& files) {
     ordered_json list = ordered_json::array();
     for (const OpenedMail::File& file : files) {
-        ordered_json object = {{"name", file.name}};
+        ordered_json object = {{"name", file.name}, {"original", file.original}};
         if (!file.path.empty()) object["path"] = file.path.native();
         object["size"] = file.size;
         list.push_back(std::move(object));
@@ -69,13 +69,14 @@ std::string ShownMail(const OpenedMail& opened, bool headers) {
     return shown;
 }
 
-std::string JsonOfMail(const OpenedMail& opened, bool headers, const std::string& file) {
-    ordered_json object = {{"file", file}, {"ok", opened.fault.empty()}};
+std::string JsonOfMail(const OpenedMail& opened, bool headers, const hostkit::MessageSource::Message& message) {
+    ordered_json object = {{"file", message.file.native()}, {"message", message.number}, {"ok", opened.fault.empty()}};
     if (!opened.fault.empty()) object["error"] = opened.fault;
     object["subject"] = opened.subject;
     object["from"] = JsonOf(opened.from);
     object["to"] = JsonOf(opened.to);
     object["cc"] = JsonOf(opened.cc);
+    object["replyTo"] = JsonOf(opened.replyTo);
     object["date"] = opened.date;
     object["messageId"] = opened.messageId;
     object["references"] = opened.references;
@@ -83,5 +84,9 @@ std::string JsonOfMail(const OpenedMail& opened, bool headers, const std::string
     if (headers) object["headers"] = opened.header;
     object["body"] = opened.body;
     object["files"] = JsonOf(opened.files);
+    object["gateway"] = opened.gateway;
+    object["replaced"] = opened.replaced;
+    object["alternatives"] = opened.alternatives;
+    object["warnings"] = opened.warnings;
     return WithoutUnseen(object.dump(-1, ' ', false, ordered_json::error_handler_t::replace)) + '\n';
 }

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "Messages.h"
 
 class CSubjectCommand : public CCommand {
 public:
@@ -11,7 +12,8 @@ public:
     int Run() const override;
 
 private:
-    void ShowSubject(const std::string& path) const;
+    void ShowSubject(CFoundMessage found) const;
 
     std::vector<std::string> m_strFiles;
+    bool m_bStrict = false;
 };

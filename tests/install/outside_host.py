@@ -101,9 +101,12 @@ def check_opening(programs, work):
     assert re.fullmatch("From: 山田太郎, yamada@example.jp\nDate: .* [+-]\\d{4}\nSubject: 議事録\n\n議事録をお送りします。\n"
                         "第①回～第③回の分です。\n2 bytes in attachments/髙橋.txt\n", shown), shown
     assert (work / "attachments/髙橋.txt").read_bytes() == b"\0\xff"
-    (work / "bad.eml").write_text("From: a@b\n\ntext\n")
+    (work / "utf8.eml").write_text("From: a@b\n\n会議😀\n", encoding="utf-8")
+    assert "From: , a@b\n" in (shown := run(programs / "hostkit-2", "utf8.eml", cwd=work, capture_output=True).stdout)
+    assert shown.endswith("\n会議😀\n"), shown
+    (work / "bad.eml").touch()
     bad = subprocess.run([programs / "hostkit-2", "bad.eml"], cwd=work, capture_output=True, text=True)
-    assert "From: , a@b" in bad.stdout and "bad.eml: cannot be read as a mail" in bad.stderr, bad
+    assert "bad.eml: is empty" in bad.stderr, bad
 
 
 def check_answering(programs, work):

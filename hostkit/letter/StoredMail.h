@@ -1,0 +1,44 @@
+// StoredMail: a stored message on its way into the parser, and what the values mean that the parser then gives. One
+// thread.
+#pragma once
+
+#include <hostkit/gateway/Gateway.h>
+#include <string>
+#include <string_view>
+
+#include <mailengine/support/platform/text/String.h>
+
+namespace hostkit {
+
+// The bytes down to the first empty line, in whatever way lines end; empty lines on top count for nothing.
+std::size_t HeaderBytes(std::string_view message);
+
+class StoredMail {
+public:
+    // message comes byte for byte as its store has it. strict leaves the gateway out: the parser gets the message with
+    // CRLF line ends, and makes of it what it can. Throws Failure for a message of 2 GiB or more.
+    StoredMail(std::string message, bool strict, const std::string& name = {});
+
+    // Why it is not to be read: the gateway refused it, or it has too many parts; empty if it is.
+    std::string Refusal() const;
+    // What the parser is to read.
+    const CString& ForParser() const { return m_forParser; }
+    // What the gateway told; nothing of a message that it did not get. The message itself is ForParser.
+    const Passed& Gateway() const { return m_passed; }
+    // Whether values are as this message's sender wrote them, and Gateway tells of Reply-To.
+    bool IsPassed() const { return m_isPassed; }
+    // The UTF-8 of a value, with U+FFFD for what is no text.
+    std::string TextOf(std::string_view value) const;
+    // The header block as it came, of a message that was rewritten.
+    const std::string& Block() const { return m_block; }
+
+private:
+    void Pass(std::string message);
+
+    CString m_forParser;
+    Passed m_passed;
+    std::string m_block;
+    bool m_isPassed;
+};
+
+}  // namespace hostkit
