@@ -65,7 +65,7 @@ AttachmentCopies::~AttachmentCopies() {
 // The copy has the file's name, which the message shows.
 CString AttachmentCopies::CopyOf(const CString& path) {
     const WorkFolder& folder = m_folders.emplace_back();
-    const CString copy = folder.LibraryPath() + "\\" + CFileUtility::GetFileNameFromPath(path);
+    CString copy = folder.LibraryPath() + "\\" + CFileUtility::GetFileNameFromPath(path);
     Copy(platform::ToNativePath(path), platform::ToNativePath(copy));
     return copy;
 }
