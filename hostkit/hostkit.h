@@ -6,6 +6,7 @@
 #include <hostkit/characters/Failure.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/DescriptorStream.h>
 #include <hostkit/files/Descriptors.h>
 #include <hostkit/files/FileName.h>

@@ -1,4 +1,5 @@
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 
 namespace hostkit {
 
@@ -9,35 +10,35 @@ const char* LabelOf(Field field) {
         case Field::None:
             return "";
         case Field::From:
-            return "From";
+            return Marked("From");
         case Field::ReplyTo:
-            return "Reply-To";
+            return Marked("Reply-To");
         case Field::To:
-            return "To";
+            return Marked("To");
         case Field::Cc:
-            return "Cc";
+            return Marked("Cc");
         case Field::Bcc:
-            return "Bcc";
+            return Marked("Bcc");
         case Field::Subject:
-            return "Subject";
+            return Marked("Subject");
         case Field::Dear:
-            return "salutation";
+            return Marked("salutation");
         case Field::Greeting:
-            return "greeting";
+            return Marked("greeting");
         case Field::Body:
-            return "body";
+            return Marked("body");
         case Field::Closing:
-            return "closing";
+            return Marked("closing");
         case Field::Signature:
-            return "signature";
+            return Marked("signature");
         case Field::Mailer:
-            return "mailer";
+            return Marked("mailer");
         case Field::Attachment:
-            return "attachment";
+            return Marked("attachment");
         case Field::Server:
-            return "server";
+            return Marked("server");
         case Field::Folder:
-            return "folder";
+            return Marked("folder");
     }
     return "";
 }
@@ -48,15 +49,17 @@ std::string SentenceOf(const Place& place, std::string_view label, const std::st
     if (!text.empty() && !place.name.empty()) text += ' ';
     text += place.name;
     if (!text.empty()) text += ": ";
-    if (place.line != 0)
-        text += "line " + std::to_string(place.line) + ", column " + std::to_string(place.column) + ": ";
+    if (place.line != 0) text += Words("line {1}, column {2}: ", place.line, place.column);
     return text + fact;
 }
 
 }  // namespace
 
 Failure::Failure(FailureKind kind, const Place& place, const std::string& fact)
-    : std::runtime_error(SentenceOf(place, LabelOf(place.field), fact)), m_kind(kind), m_place(place), m_fact(fact) {}
+    : std::runtime_error(SentenceOf(place, Words(LabelOf(place.field)), fact)),
+      m_kind(kind),
+      m_place(place),
+      m_fact(fact) {}
 
 std::string Failure::Sentence(std::string_view label) const {
     return SentenceOf(m_place, label, m_fact);

@@ -1,5 +1,6 @@
 // mailengine: the mail engine from the command line.
 #include <CLI/CLI.hpp>
+#include <clocale>
 #include <csignal>
 #include <memory>
 
@@ -56,6 +57,9 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     if (!OpenMissingStandardFiles()) return kExitFailed;
+    // The user's language, and the characters for what libc says in it; numbers and dates stay those of protocols.
+    std::setlocale(LC_CTYPE, "");
+    std::setlocale(LC_MESSAGES, "");
     // A closed pipe and a file that grows too large are failed writes, with their line on stderr.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
