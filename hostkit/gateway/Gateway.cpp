@@ -23,29 +23,47 @@ void EndLines(std::string& text) {
     if (text.find('\n') == std::string::npos) std::replace(text.begin(), text.end(), '\r', '\n');
 }
 
-std::vector<Mailbox> AddressesOf(const Header& header, std::string_view name) {
-    std::vector<Mailbox> mailboxes;
-    for (const Field& field : header.fields)
-        if (EqualNames(field.name, name)) ReadAddresses(field.raw, mailboxes);
-    return mailboxes;
+class HeaderTexts {
+public:
+    // letter is the charset of the text below, or empty.
+    HeaderTexts(const Header& header, std::string_view letter) : m_header(header), m_letter(letter) {}
+
+    std::vector<Mailbox> Addresses(std::string_view name) const {
+        std::vector<Mailbox> mailboxes;
+        for (const Field& field : m_header.fields)
+            if (EqualNames(field.name, name)) ReadAddresses(field.raw, m_letter, mailboxes);
+        return mailboxes;
+    }
+
+    std::string Text(std::string_view name) const {
+        const Field* const field = m_header.Find(name);
+        return field == nullptr ? "" : DecodeWords(Unfold(field->raw), Words::Text, m_letter);
+    }
+
+private:
+    const Header& m_header;
+    std::string_view m_letter;
+};
+
+// The charset that the first text of a message to name one names.
+std::string_view CharsetOfLetter(const Entity& entity) {
+    std::string_view charset = entity.content.charset;
+    for (const Entity& part : entity.parts)
+        if (charset.empty()) charset = CharsetOfLetter(part);
+    return charset;
 }
 
-std::string TextOf(const Header& header, std::string_view name) {
-    const Field* const field = header.Find(name);
-    return field == nullptr ? "" : DecodeWords(Unfold(field->raw), Words::Text);
-}
-
-void WriteHeader(const Header& header, Passed& passed, Writer& writer) {
-    passed.replyTo = AddressesOf(header, "Reply-To");
-    const std::string answered = TextOf(header, "In-Reply-To");
-    const std::string references = TextOf(header, "References");
-    writer.AddText("Date", TextOf(header, "Date"));
-    writer.AddAddresses("From", AddressesOf(header, "From"));
+void WriteHeader(const HeaderTexts& header, Passed& passed, Writer& writer) {
+    passed.replyTo = header.Addresses("Reply-To");
+    const std::string answered = header.Text("In-Reply-To");
+    const std::string references = header.Text("References");
+    writer.AddText("Date", header.Text("Date"));
+    writer.AddAddresses("From", header.Addresses("From"));
     writer.AddAddresses("Reply-To", passed.replyTo);
-    writer.AddAddresses("To", AddressesOf(header, "To"));
-    writer.AddAddresses("Cc", AddressesOf(header, "Cc"));
-    writer.AddText("Subject", TextOf(header, "Subject"));
-    writer.AddText("Message-ID", TextOf(header, "Message-ID"));
+    writer.AddAddresses("To", header.Addresses("To"));
+    writer.AddAddresses("Cc", header.Addresses("Cc"));
+    writer.AddText("Subject", header.Text("Subject"));
+    writer.AddText("Message-ID", header.Text("Message-ID"));
     writer.AddText("In-Reply-To", answered);
     // RFC 5322 3.6.4: an answer to a mail that names the mail it answers, and no others, refers to both.
     const bool isOne = std::count(answered.begin(), answered.end(), '<') == 1;
@@ -71,7 +89,7 @@ void Rewrite(std::string_view text, const GatewayLimits& limits, Passed& passed)
     const Tree tree = ReadTree(text, {limits.depth, limits.parts});
     Reading reading = Read(tree);
     Writer writer(passed.characters);
-    WriteHeader(tree.root.header, passed, writer);
+    WriteHeader({tree.root.header, CharsetOfLetter(tree.root)}, passed, writer);
     writer.BeginBody(reading.text, reading.files.size());
     WriteFiles(reading, limits, passed, writer);
     if (!passed.refusal.empty()) return;
@@ -105,7 +123,7 @@ bool PassAsItIs(std::string& message, const GatewayLimits& limits, Passed& passe
         return false;
     }
     std::size_t bodyTop = 0;
-    passed.replyTo = AddressesOf(ReadHeader(message, bodyTop), "Reply-To");
+    passed.replyTo = HeaderTexts(ReadHeader(message, bodyTop), "").Addresses("Reply-To");
     passed.message = std::move(message);
     return true;
 }

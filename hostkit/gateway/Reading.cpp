@@ -1,8 +1,7 @@
 #include <algorithm>
-#include <hostkit/files/MediaTypes.h>
+#include <hostkit/gateway/Naming.h>
 #include <hostkit/gateway/Reading.h>
 #include <hostkit/gateway/text/Charsets.h>
-#include <hostkit/gateway/text/EncodedWords.h>
 #include <hostkit/gateway/text/Flowed.h>
 #include <hostkit/gateway/text/Html.h>
 #include <hostkit/gateway/text/Transfer.h>
@@ -14,7 +13,6 @@ constexpr std::string_view kEncryptedLine = "（このメールは暗号化さ�
 constexpr std::string_view kSealedLine =
     "（このメールは署名の中に包まれています。本文は添付ファイルの中にあります。）\n";
 constexpr std::string_view kHtmlName = "本文.html";
-constexpr std::string_view kMadeName = "添付";
 
 bool IsHtml(const Content& content) {
     return content.Is("text/html") || content.Is("application/xhtml+xml");
@@ -62,14 +60,14 @@ public:
         if (tree.isCut) Tell(Notice::Kind::Cut);
         if (tree.isDeep) Tell(Notice::Kind::TooDeep);
         if (tree.left > 0) Tell(Notice::Kind::TooMany, std::to_string(tree.left));
-        const bool isOneText = tree.root.parts.empty() && IsReadable(tree.root.content);
-        if (isOneText && (tree.root.content.name.empty() || IsText(DataOf(tree.root))))
+        const Content& whole = tree.root.content;
+        if (tree.root.parts.empty() && IsReadable(whole) && whole.name.empty())
             TakeText(tree.root);
         else
             Take(tree.root);
-        if (m_texts == 0) TakeNamedText();
+        if (m_texts == 0) ShowNamedText();
         if (m_faults > 0) Tell(Notice::Kind::UnknownBytes, std::to_string(m_faults));
-        NameFiles();
+        NameFiles(m_reading.files);
         return std::move(m_reading);
     }
 
@@ -160,26 +158,21 @@ private:
         m_reading.files.push_back({&entity, entity.content.name, false});
     }
 
-    // A letter that bears a name, and is all there is to read.
-    void TakeNamedText() {
+    // A letter that bears a name, and is all there is to read: it is shown, and stays a file of that name.
+    void ShowNamedText() {
         const auto found = std::find_if(m_reading.files.begin(), m_reading.files.end(), [](const Attached& file) {
             const Content& content = file.entity->content;
             return IsReadable(content) && !content.isAttachment && IsText(DataOf(*file.entity));
         });
         if (found == m_reading.files.end()) return;
         const Entity& entity = *found->entity;
-        m_reading.files.erase(found);
-        TakeText(entity);
+        AddText(ReadText(entity.content, DataOf(entity)));
     }
 
     void TakeText(const Entity& entity) {
         TellEncoding(entity);
-        const std::string data = DataOf(entity);
-        std::string text = ReadText(entity.content, data);
-        AddText(text);
-        if (!IsHtml(entity.content)) return;
-        const bool isNamed = !entity.content.name.empty();
-        m_reading.files.push_back({&entity, isNamed ? entity.content.name : std::string(kHtmlName), !isNamed});
+        AddText(ReadText(entity.content, DataOf(entity)));
+        if (IsHtml(entity.content)) m_reading.files.push_back({&entity, std::string(kHtmlName), true});
     }
 
     std::string ReadText(const Content& content, std::string_view data) {
@@ -203,34 +196,6 @@ private:
     void TellEncoding(const Entity& entity) {
         const std::string& unknown = entity.content.unknownEncoding;
         if (!unknown.empty()) Tell(Notice::Kind::UnknownEncoding, unknown);
-    }
-
-    // Attached mails are called by their subject, all else without a name by its number and type.
-    void NameFiles() {
-        int number = 0;
-        for (Attached& file : m_reading.files) {
-            if (!file.name.empty()) continue;
-            file.isMade = true;
-            const Content& content = file.entity->content;
-            const bool isMail = content.Is("message/rfc822") || content.Is("message/global");
-            if (isMail) file.name = SubjectOf(DataOf(*file.entity));
-            if (file.name.empty()) file.name = std::string(kMadeName) + std::to_string(++number);
-            file.name += isMail ? ".eml" : ExtensionFor(content);
-        }
-    }
-
-    static std::string ExtensionFor(const Content& content) {
-        if (content.type.starts_with("message/") || content.Is("text/rfc822-headers")) return ".txt";
-        std::string extension = ExtensionForType(content.type);
-        if (!extension.empty()) return extension;
-        return content.IsText() ? ".txt" : ".bin";
-    }
-
-    static std::string SubjectOf(std::string_view mail) {
-        std::size_t bodyTop = 0;
-        const Header header = ReadHeader(mail.substr(TopOfMessage(mail)), bodyTop);
-        const Field* const subject = header.Find("Subject");
-        return subject == nullptr ? "" : DecodeWords(Unfold(subject->raw), Words::Text);
     }
 
     Reading m_reading;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/files/FileName.h>
@@ -152,6 +153,10 @@ private:
     UniqueFileNames m_names;
 };
 
+bool IsAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 // The fault of a message that can be read to its end, but for the attachments, is the folder's.
 std::string Read(const StoredMail& mail, const fs::path& folder, CMailDoc& doc, std::vector<OpenedMail::File>& files) {
     std::optional<TargetFolder> target;
@@ -182,7 +187,8 @@ OpenedMail OpenMail(std::string message, const OpenOptions& options) {
 }
 
 OpenedSubject OpenSubject(std::string message, bool strict) {
-    if (!strict) message.resize(HeaderBytes(message));
+    if (!strict && IsAscii(std::string_view(message).substr(0, HeaderBytes(message))))
+        message.resize(HeaderBytes(message));  // other bytes may be of the charset that the letter names
     const StoredMail mail(std::move(message), strict);
     if (!mail.Gateway().refusal.empty()) return {"", mail.Gateway().refusal};
     CString subject;

@@ -50,7 +50,8 @@ struct OpenedMail {
 // so on. Throws Failure if a folder cannot be had.
 HOSTKIT_API OpenedMail OpenMail(std::string message, const OpenOptions& options = {});
 
-// The subject alone, without a look at the body unless strict; fault as above.
+// The subject alone, without a look at the body unless strict, or the header has bytes of no declared charset; fault as
+// above.
 struct OpenedSubject {
     std::string subject, fault;
 };

@@ -83,8 +83,8 @@ void Collect(InternetAddressList* list, std::vector<Mailbox>& mailboxes) {
 
 }  // namespace
 
-void ReadAddresses(std::string_view raw, std::vector<Mailbox>& mailboxes) {
-    const std::string field = GroupGuard::Guard(DecodeWords(Unfold(raw), Words::Parts));
+void ReadAddresses(std::string_view raw, std::string_view letter, std::vector<Mailbox>& mailboxes) {
+    const std::string field = GroupGuard::Guard(DecodeWords(Unfold(raw), Words::Parts, letter));
     const AddressList list(internet_address_list_parse(Options(), field.c_str()), &g_object_unref);
     if (list) Collect(list.get(), mailboxes);
 }

@@ -9,7 +9,8 @@
 namespace hostkit::gateway {
 
 // Appends the mailboxes of a field body as it came. Groups give their members; comments give a name where there is no
-// other. A semicolon outside a group counts as a comma, as some programs write it.
-void ReadAddresses(std::string_view raw, std::vector<Mailbox>& mailboxes);
+// other. A semicolon outside a group counts as a comma, as some programs write it. letter is the charset of the text
+// below.
+void ReadAddresses(std::string_view raw, std::string_view letter, std::vector<Mailbox>& mailboxes);
 
 }  // namespace hostkit::gateway

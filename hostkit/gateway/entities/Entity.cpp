@@ -49,6 +49,8 @@ private:
         std::optional<Delimiter> next = FindDelimiter();
         while (next && next->level == level && !next->closes) {
             m_at = next->behind;
+            next = std::nullopt;
+            if (m_text.find_first_not_of("\r\n", m_at) == std::string_view::npos) break;  // it was to close
             TakePart(entity, partType);
             next = FindDelimiter();
         }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <hostkit/characters/Utf8.h>
 #include <hostkit/gateway/text/Charsets.h>
 #include <hostkit/gateway/text/Detection.h>
 #include <hostkit/gateway/text/Iso2022.h>
@@ -53,6 +54,7 @@ constexpr std::array kAliases = {
     Alias{"iso8859-1", "CP1252"},
     Alias{"iso_8859-1", "CP1252"},
     Alias{"iso-8859-9", "CP1254"},
+    Alias{"ansi_x3.110-1983", "CP1252"},  // what programs of one system call it; nobody sends Videotex
     Alias{"iso-8859-8-i", "ISO-8859-8"},
     Alias{"iso-8859-6-i", "ISO-8859-6"},
     Alias{"x-mac-roman", "MACINTOSH"},
@@ -68,6 +70,10 @@ constexpr std::array<std::string_view, 16> kIso2022 = {
     "iso-2022-jp",   "iso-2022-jp-1", "iso-2022-jp-2", "iso-2022-jp-3", "iso-2022-jp-ms", "iso-2022-jp-2004",
     "csiso2022jp",   "csiso2022jp2",  "cp50220",       "cp50221",       "cp50222",        "iso2022-jp",
     "x-iso-2022-jp", "iso2022jp",     "jis",           "jis7"};
+
+bool IsIso2022(std::string_view lower) {
+    return std::find(kIso2022.begin(), kIso2022.end(), lower) != kIso2022.end();
+}
 
 std::string Lower(std::string_view name) {
     std::string lower;
@@ -194,7 +200,7 @@ bool IsMislabelled(std::string_view bytes, const std::string& lower) {
 
 std::string ToUtf8(std::string_view bytes, std::string_view charset, std::size_t& faults) {
     const std::string lower = Lower(charset);
-    if (std::find(kIso2022.begin(), kIso2022.end(), lower) != kIso2022.end()) return Iso2022ToUtf8(bytes, faults);
+    if (IsIso2022(lower)) return Iso2022ToUtf8(bytes, faults);
     const std::string name = IconvNameOf(lower);
     if (name == "UTF-8" || name == "utf-8") return Utf8ToUtf8(bytes, faults);
     if (name == "CP932") return CodePageToUtf8(bytes, faults);
@@ -204,14 +210,27 @@ std::string ToUtf8(std::string_view bytes, std::string_view charset, std::size_t
     return "";
 }
 
+std::string RawToUtf8(std::string_view bytes, std::string_view letter) {
+    std::size_t faults = 0;
+    constexpr std::array<std::string_view, 4> kJudged = {"UTF-8", "CP932", "EUC-JP-MS", "CP1252"};
+    const std::string lower = Lower(letter);
+    const bool isJudged = SaysNothing(lower, bytes) || IsIso2022(lower) ||
+                          std::find(kJudged.begin(), kJudged.end(), IconvNameOf(lower)) != kJudged.end();
+    if (!isJudged && !IsAscii(bytes) && !IsUtf8(bytes)) {
+        std::string text = ToUtf8(bytes, lower, faults);
+        if (faults == 0) return text;
+    }
+    return TextToUtf8(bytes, "", faults);
+}
+
 std::string TextToUtf8(std::string_view bytes, std::string_view declared, std::size_t& faults) {
     const std::string lower = Lower(declared);
     if (!SaysNothing(lower, bytes)) {
         std::size_t found = 0;
         std::string text = ToUtf8(bytes, lower, found);
-        const bool isIso2022 = std::find(kIso2022.begin(), kIso2022.end(), lower) != kIso2022.end();
-        const bool isBelieved = isIso2022 ? IsAscii(bytes) || HasIso2022Escapes(bytes)
-                                          : IsStillLikely(text, found) && !(found > 0 && IsMislabelled(bytes, lower));
+        const bool isBelieved = IsIso2022(lower)
+                                    ? IsAscii(bytes) || HasIso2022Escapes(bytes)
+                                    : IsStillLikely(text, found) && !(found > 0 && IsMislabelled(bytes, lower));
         if (isBelieved) {
             faults += found;
             return text;

@@ -17,4 +17,8 @@ std::string ToUtf8(std::string_view bytes, std::string_view charset, std::size_t
 // EUC-JP if valid and likely, at last by uchardet, and windows-1252. faults as above, of what was taken in the end.
 std::string TextToUtf8(std::string_view bytes, std::string_view declared, std::size_t& faults);
 
+// Converts raw bytes of a header field, whose charset nobody declares. Between Japanese, Western and UTF-8 the bytes
+// decide; any other charset is the one of the letter below, if they can be that.
+std::string RawToUtf8(std::string_view bytes, std::string_view letter);
+
 }  // namespace hostkit::gateway

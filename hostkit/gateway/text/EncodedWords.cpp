@@ -66,11 +66,6 @@ std::string RunOfWords(std::string_view value, Word word, std::size_t& end) {
     return text + TextToUtf8(word.bytes, word.charset, ignored);
 }
 
-std::string RawToUtf8(std::string_view value) {
-    std::size_t ignored = 0;
-    return TextToUtf8(value, "", ignored);
-}
-
 std::string Escaped(std::string_view text) {
     std::string escaped;
     for (const char c : text) {
@@ -110,8 +105,8 @@ private:
 
 }  // namespace
 
-std::string DecodeWords(std::string_view raw, Words words) {
-    const std::string value = RawToUtf8(raw);
+std::string DecodeWords(std::string_view raw, Words words, std::string_view letter) {
+    const std::string value = RawToUtf8(raw, letter);
     std::string decoded;
     Context context;
     std::size_t done = 0;

@@ -12,7 +12,7 @@ enum class Words {
     Parts,  // addresses, parameters: it stands there as a quoted string, so that nothing in it counts as structure
 };
 
-// value is unfolded.
-std::string DecodeWords(std::string_view value, Words words);
+// value is unfolded; letter is the charset of the text below, where it is known (RawToUtf8).
+std::string DecodeWords(std::string_view value, Words words, std::string_view letter = "");
 
 }  // namespace hostkit::gateway

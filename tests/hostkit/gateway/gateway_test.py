@@ -138,6 +138,8 @@ def field_kinds():
         yield f"subject of {title}", raw(text, "text/plain", subject=subject)
     yield "a word that splits a character", raw(text, "text/plain", subject=halves), {"subject": "会"}
     yield "raw CP932", raw(text, "text/plain", subject="会議".encode("cp932")), {"subject": "会議"}
+    yield "raw GB2312", raw("会议".encode("gb2312"), "text/plain; charset=gb2312", subject="邮件传送失败！".encode("gb2312")), {
+        "subject": "邮件传送失败！"}
     yield "raw Latin-1", raw(text, "text/plain", subject="Grüße".encode("latin-1")), {"subject": "Grüße"}
     yield "a group, comments, several fields", raw(text, "text/plain", fields=(
         f"Cc: team: {word} <a@b.example>, c@d.example;, e@f.example (comment)\nTo: second@example.jp\n").encode()), {
