@@ -10,6 +10,7 @@
 void CAnswerOptions::AddTo(CLI::App& command, CLI::Option& file) {
     command.add_option("--message", m_nMessage, "Which message of an mbox, a Maildir or a folder, counted from 1")
         ->type_name("N")
+        ->check(options::FaultOfCount, "")
         ->needs(&file);
     options::AddStrict(command, m_bStrict);
 }
@@ -21,7 +22,8 @@ std::filesystem::path CAnswerOptions::Answer(const std::string& file, const CLet
     if (letter.HasEmptySubject())
         throw CFailure("--subject: is empty, and would take that of the answered mail away; leave it out", kExitUsage);
     hostkit::MessageSource::Message message = TheMessage(file, m_nMessage);
-    for (const std::string& warning : hostkit::PrepareAnswer(std::move(message.bytes), letter.Letter(), doc,
+    const auto input = file == "-" ? CLetterOptions::Input::Taken : CLetterOptions::Input::Body;
+    for (const std::string& warning : hostkit::PrepareAnswer(std::move(message.bytes), letter.Letter(input), doc,
                                                              {.name = message.name, .strict = m_bStrict}))
         terminal::Warn(warning);
     return message.file;

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Options.h"
+#include "StandardFiles.h"
 
 using options::AddMany;
 using options::Filled;
@@ -9,7 +10,7 @@ using options::Filled;
 void CLetterOptions::AddTo(CLI::App& command) {
     AddAddressesTo(command);
     AddTextsTo(command);
-    Filled(AddMany(command, "--attach", m_letter.attachments,
+    Filled(AddMany(command, "-a,--attach", m_letter.attachments,
                    "A file to attach; repeat for more. A .eml goes in as a mail"))
         ->type_name("FILE");
     Filled(command.add_option("--mailer", m_letter.mailer, "The name of the mail program, plain ASCII"))
@@ -24,32 +25,34 @@ void CLetterOptions::AddAddressesTo(CLI::App& command) {
     Filled(command.add_option("--from", m_letter.from, "The sender: '名前 <user@host>' or user@host"))
         ->type_name(kAddress);
     Filled(command.add_option("--reply-to", m_letter.replyTo, "Where replies go"))->type_name(kAddress);
-    AddMany(command, "--to", m_letter.to, "A recipient; repeat for more")->type_name(kAddress);
-    AddMany(command, "--cc", m_letter.cc, "A recipient of a copy; repeat for more")->type_name(kAddress);
+    AddMany(command, "-t,--to", m_letter.to, "A recipient; repeat for more")->type_name(kAddress);
+    AddMany(command, "-c,--cc", m_letter.cc, "A recipient of a copy; repeat for more")->type_name(kAddress);
     AddMany(
-        command, "--bcc", m_letter.bcc,
+        command, "-b,--bcc", m_letter.bcc,
         "A recipient of a blind copy; repeat for more. send shows these to nobody; write keeps them in the Bcc field")
         ->type_name(kAddress);
 }
 
 void CLetterOptions::AddTextsTo(CLI::App& command) {
-    command.add_option("--subject", m_letter.subject, "The subject, one line")->type_name("TEXT");
+    command.add_option("-s,--subject", m_letter.subject, "The subject, one line")->type_name("TEXT");
     command.add_option("--dear", m_letter.dear, "The salutation")->type_name("TEXT");
     command.add_option("--greeting", m_letter.greeting, "The opening greeting")->type_name("TEXT");
     CLI::Option* body = command.add_option("--body", m_letter.body, "The body")->type_name("TEXT");
-    Filled(command.add_option("--body-file", m_strBodyFile, "A file that holds the body; - reads standard input"))
+    Filled(command.add_option("--body-file", m_strBodyFile,
+                              "A file that holds the body; -, or none where text is piped in, is standard input"))
         ->type_name("FILE")
         ->excludes(body);
     command.add_option("--closing", m_letter.closing, "The closing words")->type_name("TEXT");
     command.add_option("--signature", m_letter.signature, "The signature")->type_name("TEXT");
 }
 
-hostkit::Letter CLetterOptions::Letter() const {
+hostkit::Letter CLetterOptions::Letter(Input input) const {
     hostkit::Letter letter = m_letter;
     if (m_bReplace) letter.missing = hostkit::Missing::Replace;
-    if (m_strBodyFile) {
-        letter.body = TextAt(*m_strBodyFile);
-        letter.bodyFile = NameOfInput(*m_strBodyFile);
-    }
+    const bool isPiped = input == Input::Body && !letter.body && !m_strBodyFile && HasPipedInput();
+    const std::string file = isPiped ? "-" : m_strBodyFile.value_or("");
+    if (file.empty()) return letter;
+    letter.body = TextAt(file);
+    letter.bodyFile = NameOfInput(file);
     return letter;
 }

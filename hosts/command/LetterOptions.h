@@ -10,8 +10,13 @@ public:
     // Adds the options to a command; this object takes their values and must outlive the parse.
     void AddTo(CLI::App& command);
 
+    // What standard input is where no option says so.
+    enum class Input {
+        Body,   // the body, where none was given: what is piped in is not dropped. A terminal is left alone
+        Taken,  // something else
+    };
     // What was given, and the text of the body file if one was named. Throws hostkit::Failure if that cannot be read.
-    hostkit::Letter Letter() const;
+    hostkit::Letter Letter(Input input = Input::Body) const;
 
     // Whether a subject was given that has no character.
     bool HasEmptySubject() const { return m_letter.subject == ""; }

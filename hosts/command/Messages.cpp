@@ -77,6 +77,10 @@ private:
 
 }  // namespace
 
+std::vector<std::string> OrStandardInput(const std::vector<std::string>& files) {
+    return files.empty() ? std::vector<std::string>{"-"} : files;
+}
+
 int ForEachMessage(const std::vector<std::string>& files, const std::function<void(CFoundMessage)>& take) {
     int status = 0;
     for (const std::string& file : files)

@@ -13,6 +13,9 @@ struct CFoundMessage {
     bool isOneOfMany;                         // in a folder, a Maildir or an mbox
 };
 
+// The files that were named, or "-" where none was.
+std::vector<std::string> OrStandardInput(const std::vector<std::string>& files);
+
 // Calls take with each message of each file ("-" is standard input). What it throws for one, memory that ends there
 // too, is told with the message's name and ends that one alone; what was put out for one gets out before the next is
 // read. Gives the exit status: 0, or kExitFailed. Throws CFailure if what was put out did not get there.

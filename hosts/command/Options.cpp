@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include <charconv>
+
 namespace {
 
 constexpr int kAllThatCome = 1 << 28;  // a positional takes arguments while it has fewer than it wants
@@ -9,6 +11,13 @@ std::string FaultOfEmpty(const std::string& value) {
 }
 
 }  // namespace
+
+std::string options::FaultOfCount(const std::string& value) {
+    std::size_t number = 0;
+    const char* const end = value.data() + value.size();
+    const auto read = std::from_chars(value.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end && number > 0 ? "" : "'" + value + "' is no number from 1 up";
+}
 
 CLI::Option* options::Filled(CLI::Option* option) {
     return option->check(FaultOfEmpty, "");

@@ -12,6 +12,9 @@ namespace options {
 // something else than leaving the option out.
 CLI::Option* Filled(CLI::Option* option);
 
+// Says what is wrong with a number that counts from 1; empty: nothing.
+std::string FaultOfCount(const std::string& value);
+
 // An option that can be given many times, with one value each.
 template <class Value>
 CLI::Option* AddMany(CLI::App& command, const char* name, std::vector<Value>& values, const char* help) {

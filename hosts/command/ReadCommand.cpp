@@ -23,8 +23,7 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
 }
 
 int CReadCommand::Run() const {
-    return ForEachMessage(m_strFiles.empty() ? std::vector<std::string>{"-"} : m_strFiles,
-                          [this](CFoundMessage found) { Read(std::move(found)); });
+    return ForEachMessage(OrStandardInput(m_strFiles), [this](CFoundMessage found) { Read(std::move(found)); });
 }
 
 void CReadCommand::Read(CFoundMessage found) const {

@@ -25,6 +25,11 @@ int OpenMissingStandardFiles() {
     return 1;
 }
 
+bool HasPipedInput() {
+    const int flags = fcntl(STDIN_FILENO, F_GETFL);
+    return flags != -1 && (flags & O_ACCMODE) != O_WRONLY && isatty(STDIN_FILENO) == 0;
+}
+
 void CheckStandardInput() {
     Check(STDIN_FILENO, O_WRONLY, "standard input");
 }

@@ -6,6 +6,9 @@
 // that could not be done.
 [[nodiscard]] int OpenMissingStandardFiles();
 
+// Whether standard input can be read and is no terminal: a file, a pipe, /dev/null.
+bool HasPipedInput();
+
 // Throw hostkit::Failure for one that is closed.
 void CheckStandardInput();
 void CheckStandardOutput();

@@ -8,7 +8,7 @@
 #include "Terminal.h"
 
 CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject", "Show the subjects of messages") {
-    options::AddFiles(*m_pCommand, m_strFiles, "Messages, mboxes, Maildirs, folders; - is standard input")->required();
+    options::AddFiles(*m_pCommand, m_strFiles, "Messages, mboxes, Maildirs, folders; none or - is standard input");
     options::AddStrict(*m_pCommand, m_bStrict);
     m_pCommand->footer(
         "One line each: of one message the subject, of many FILE, a TAB and the subject.\n"
@@ -16,7 +16,7 @@ CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject
 }
 
 int CSubjectCommand::Run() const {
-    return ForEachMessage(m_strFiles, [this](CFoundMessage found) { ShowSubject(std::move(found)); });
+    return ForEachMessage(OrStandardInput(m_strFiles), [this](CFoundMessage found) { ShowSubject(std::move(found)); });
 }
 
 void CSubjectCommand::ShowSubject(CFoundMessage found) const {

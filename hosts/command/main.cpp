@@ -12,9 +12,12 @@
 #include "StandardFiles.h"
 #include "SubjectCommand.h"
 #include "Terminal.h"
+#include "UsageFault.h"
 #include "WriteCommand.h"
 
 namespace {
+
+constexpr char kSeeHelp[] = "; see mailengine --help";
 
 int Fail(const std::string& text, int status) {
     terminal::Complain(text);
@@ -27,6 +30,31 @@ int Help(const std::string& text) {
     return 0;
 }
 
+// help, or help COMMAND. Answers where that was asked for.
+class CHelp {
+public:
+    explicit CHelp(CLI::App& program)
+        : m_program(program), m_pCommand(program.add_subcommand("help", "Tell about a command")) {
+        m_pCommand->add_option("COMMAND", m_strCommand, "The command; none tells about all");
+    }
+
+    bool IsAsked() const { return m_pCommand->parsed(); }
+    int Run() const {
+        // The program's own help() would tell about this command.
+        if (m_strCommand.empty())
+            return Help(
+                m_program.get_formatter()->make_help(&m_program, m_program.get_name(), CLI::AppFormatMode::Normal));
+        for (const CLI::App* command : m_program.get_subcommands({}))
+            if (command->get_name() == m_strCommand) return Help(command->help(m_program.get_name()));
+        return Fail(UnknownCommand(m_program, m_strCommand) + kSeeHelp, kExitUsage);
+    }
+
+private:
+    CLI::App& m_program;
+    CLI::App* m_pCommand;  // the program's
+    std::string m_strCommand;
+};
+
 int Run(int argc, char** argv) {
     CLI::App program("Writes, sends, reads and answers Japanese mails as Internet messages.", "mailengine");
     program.require_subcommand(0, 1);
@@ -35,22 +63,21 @@ int Run(int argc, char** argv) {
         std::make_unique<CReadCommand>(program),  std::make_unique<CSubjectCommand>(program),
         std::make_unique<CSendCommand>(program),
     };
-    const auto asked = [&]() -> const CCommand* {
-        for (const auto& command : commands) {
-            if (command->IsAsked()) return command.get();
-        }
-        return nullptr;
-    };
+    const CHelp help(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         return Help(program.help());
-    } catch (const CLI::ParseError& error) {
-        const std::string level = asked() != nullptr ? "mailengine " + asked()->Name() : "mailengine";
-        return Fail(std::string(error.what()) + "; see " + level + " --help", kExitUsage);
+    } catch (const CLI::ParseError&) {
+        const std::vector<CLI::App*> asked = program.get_subcommands();
+        const std::string fault = UsageFault(asked.empty() ? program : *asked[0], {argv, argv + argc});
+        return Fail(fault + "; see mailengine " + (asked.empty() ? "" : asked[0]->get_name() + ' ') + "--help",
+                    kExitUsage);
     }
-    if (asked() == nullptr) return Fail("a command is missing; see mailengine --help", kExitUsage);
-    return asked()->Run();
+    if (help.IsAsked()) return help.Run();
+    for (const auto& command : commands)
+        if (command->IsAsked()) return command->Run();
+    return Fail(std::string("a command is missing") + kSeeHelp, kExitUsage);
 }
 
 }  // namespace

@@ -89,7 +89,7 @@ class ReadTest(unittest.TestCase):
         shown = self.run_it("read", "--strict", data=data).decode()
         self.assertIn(" Subject: a\\x0D\\x0A\\x1B[2J", shown)
         self.assertIn("x\\x1B]0;t\\x07\n\ty\\x9B\\x0D\n", shown)
-        self.assertEqual(self.run_it("subject", "-", "--strict", data=data), b"a\\x0D\\x0A\\x1B[2J\\x07\\x9B\\u202E\n")
+        self.assertEqual(self.run_it("subject", "--strict", data=data), b"a\\x0D\\x0A\\x1B[2J\\x07\\x9B\\u202E\n")
 
     def test_json_holds_the_document(self):
         data = mail(subject=word("件"), to=f"{word('山田')} <c@d>, e@f", fields="Cc: g@h\r\nMessage-ID: <1@x>\r\n"
@@ -229,7 +229,7 @@ class ReadTest(unittest.TestCase):
                 data = f"{field}: {value}\r\n".encode() + parts.replace(b"Subject: trait\r\n", b"")
                 (self.folder / "in").write_bytes(data)
                 out = subprocess.run([COMMAND, "reply", "--strict", "in", "--from", "me@x", "-o", "-"], cwd=self.folder,
-                                     capture_output=True, check=True).stdout
+                                     input=b"", capture_output=True, check=True).stdout
                 summary, body = Message(out).body().split("\r\n\r\n")
                 self.assertEqual({line[:2] for line in body.splitlines()}, {"> "})
                 for lines in summary.split("\r\n"), self.opened(data, "--strict")["summary"].split("\r\n")[:-1]:

@@ -83,8 +83,8 @@ class SignalTest(unittest.TestCase):
         for name in "big", "mail":
             os.link(self.top / name, folder / name)
         start = time.monotonic()
-        with subprocess.Popen([COMMAND, *command(folder)[0]], cwd=folder / "work", stdout=subprocess.DEVNULL,
-                              stderr=subprocess.DEVNULL, env=os.environ | {"TMPDIR": str(folder / "tmp")}) as process:
+        with subprocess.Popen([COMMAND, *command(folder)[0]], cwd=folder / "work", stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, env=os.environ | {"TMPDIR": str(folder / "tmp")}) as process:
             if number is not None:
                 time.sleep(moment)
                 process.send_signal(number)

@@ -3,6 +3,7 @@
 import fcntl
 import os
 import pathlib
+import re
 import resource
 import stat
 import subprocess
@@ -70,17 +71,26 @@ class WriteTest(unittest.TestCase):
         self.assertEqual(self.out.read_bytes(), b"old")
 
     def test_help_on_every_level(self):
-        for arguments, word in (["--help"], b"write"), (["write", "--help"], b"--body-file"):
+        for arguments, word in ((["--help"], b"write"), (["write", "--help"], b"--body-file"), (["help"], b"subject"),
+                                (["help", "write"], b"--body-file"), (["write", "--form", "--help"], b"--body-file")):
             result = self.run_it(*arguments)
             self.assertEqual((result.returncode, result.stderr), (0, b""))
             self.assertIn(word, result.stdout)
 
     def test_a_wrong_command_line_ends_with_2(self):
         for arguments, word in (
-            ([], "command"), (["wrote"], "wrote"), (["write"], "--output"), (["write", "-o"], "--output"),
-            (["write", "-o", "-", "--subjekt", "a"], "--subjekt"), (["write", "-o", "-", "b"], "b"),
-            (["write", "-o", "-", "--subject", "a", "--subject", "b"], "--subject"),
-            (["write", "-o", "-", "--body", "a", "--body-file", "-"], "--body"),
+            ([], "a command is missing"), (["wirte", "--to", "x"], "wirte: there is no such command; did you mean write?"),
+            (["xyz"], "command; see"), (["help", "raed"], "mean read?"), (["--versoin"], "--versoin: there is no such option"),
+            (["write"], "--output is missing"), (["write", "-o"], "-o: its value is missing"),
+            (["write", "--form", "x"], "--form: there is no such option; did you mean --from?"),
+            (["write", "-o", "-", "--subjekt=a", "b"], "--subjekt: there is no such option; did you mean --subject?"),
+            (["write", "a.eml", "-x", "-o"], "-x: there is no such option"),
+            (["write", "-o", "-", "b", "c"], "b c: more than the command takes"), (["write", "send"], "send: more than"),
+            (["write", "-o", "-", "-s", "a", "--subject", "b"], "--subject is given more than once"),
+            (["write", "-o", "-", "--body", "a", "--body-file", "-"], "--body and --body-file cannot both be given"),
+            (["write", "-o", "-", "--attach", ""], "--attach: is empty"), (["read", "--json=x"], "--json takes no value"),
+            (["send", "--server", "h", "--message", "1"], "--message needs --answer beside it"),
+            (["reply", "x", "--message", "0x"], "--message: '0x' is no number from 1 up"), (["reply", "-o", "-"], "FILE is missing"),
         ):
             with self.subTest(arguments):
                 self.assert_fails(self.run_it(*arguments), 2, word, "--help")
@@ -120,7 +130,7 @@ class WriteTest(unittest.TestCase):
         self.assert_fails(result, 1, "U+001B")
 
     def test_takes_values_as_they_are(self):
-        mail = self.written("--subject", "[a,b]", "--body", "--from", "--signature", "-- ", "--to", "a@b", "--to", "<c@d>")
+        mail = self.written("-s", "[a,b]", "--body", "--from", "--signature", "-- ", "-t", "a@b", "--to", "<c@d>")
         self.assertEqual(mail.subject(), "[a,b]")
         self.assertEqual(mail.body(), "--from\r\n\r\n-- ")
         self.assertEqual(mail.addresses("To"), [("", "a@b"), ("", "c@d")])
@@ -131,6 +141,20 @@ class WriteTest(unittest.TestCase):
                  ("　mailto:tanaka@example.jp　", ("", "tanaka@example.jp")))
         mail = self.written(*(word for typed, _ in cases for word in ("--to", typed)))
         self.assertEqual(mail.addresses("To"), [taken for _, taken in cases])
+
+    def test_what_is_piped_in_is_the_body(self):
+        (self.folder / "file").write_bytes("本文".encode())
+        answered = self.folder / "answered.eml"
+        answered.write_bytes(b"From: a@b.jp\r\nMIME-Version: 1.0\r\n\r\nquestion\r\n")
+        for command, given, body in (("write", [], "本文"), ("write", ["--body", ""], ""), ("write", ["--body", "x"], "x"),
+                                     ("write", ["--body-file", "/dev/null"], ""), ("reply", ["answered.eml"], "本文"),
+                                     ("reply", ["-"], "")):
+            with self.subTest(command=command, given=given):
+                piped = open(answered if given == ["-"] else self.folder / "file", "rb")
+                with piped:
+                    mail = Message(self.run_it(command, *given, "-o", "-", stdin=piped).stdout)
+                self.assertEqual(mail.body() if command == "write" else re.findall("本文", mail.body()),
+                                 body if command == "write" else [body] * bool(body))
 
     def test_names_of_the_ibm_extension_reach_another_reader(self):
         name = "髙﨑①.txt"
@@ -204,7 +228,7 @@ class WriteTest(unittest.TestCase):
         self.assert_fails(result, 1, "out.eml", "standard output")
         self.assert_fails(self.write("-o", "/dev/fd/9"), 1, "/dev/fd/9", "closed")
         with open(COMMAND, "rb") as stdin:
-            self.assert_fails(self.write("-o", "/dev/stdin", stdin=stdin), 1, "/dev/stdin", "reading alone")
+            self.assert_fails(self.write("--body", "", "-o", "/dev/stdin", stdin=stdin), 1, "/dev/stdin", "reading alone")
 
     def test_waits_for_pipes_that_do_not_block(self):
         text_reader, text = os.pipe()
@@ -247,7 +271,7 @@ class WriteTest(unittest.TestCase):
 
     def test_a_file_that_is_mounted_is_written_in_place_alone(self):
         self.out.write_text("old")
-        mounted = ["unshare", "-m", "sh", "-c", 'mount --bind out.eml out.eml && exec "$@"', "sh"]
+        mounted = ["unshare", "-m", "sh", "-c", 'mount --bind out.eml out.eml && exec "$@" </dev/null', "sh"]
         if subprocess.run([*mounted, "true"], cwd=self.folder, capture_output=True).returncode:
             self.skipTest("this system lets nobody mount")
         write = [*mounted, COMMAND, "write", "--from", "a@b.jp", "-o", "out.eml"]
@@ -267,8 +291,8 @@ class WriteTest(unittest.TestCase):
         shrunk = self.folder / "shrunk"
         reader, writer = os.pipe()
         shrunk.write_bytes(b"x" * 10_000_000)
-        with subprocess.Popen([COMMAND, "write", "--attach", "shrunk", "-o", "-"], cwd=self.folder, stdout=writer,
-                              stderr=subprocess.PIPE) as process:
+        with subprocess.Popen([COMMAND, "write", "--attach", "shrunk", "--body", "", "-o", "-"], cwd=self.folder,
+                              stdout=writer, stderr=subprocess.PIPE) as process:
             os.close(writer)
             os.read(reader, 1000)
             os.truncate(shrunk, 9_000_000)
