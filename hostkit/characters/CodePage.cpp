@@ -1,7 +1,7 @@
 #include <cerrno>
-#include <cstring>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 
 #include <mailengine/support/platform/text/Unicode.h>
 
@@ -35,8 +35,8 @@ void CheckTables() {
     const int error = platform::CodePageError();
     if (error == 0) return;
     throw Failure(FailureKind::System, {},
-                  std::string("libc gives no conversion for code page 932: ") +
-                      (error == EINVAL ? "install its gconv modules" : std::strerror(error)));
+                  error == EINVAL ? Words("libc gives no conversion for code page 932; install its gconv modules")
+                                  : Words("libc gives no conversion for code page 932: {1}", SystemWords(error)));
 }
 
 // Sets line and column of the character at offset. The text before it is UTF-8.
@@ -118,21 +118,23 @@ void Entry::Refuse(FailureKind kind, const std::string& fact) const {
 
 void Entry::RefuseByte() const {
     const std::string byte = Shown(m_strText.substr(m_nOffset, 1)).substr(2);
-    Refuse(FailureKind::Value,
-           "the byte 0x" + byte + " is not UTF-8; convert the text to UTF-8 first (iconv -f SHIFT_JIS, for example)");
+    Refuse(
+        FailureKind::Value,
+        Words("the byte 0x{1} is not UTF-8; convert the text to UTF-8 first (iconv -f SHIFT_JIS, for example)", byte));
 }
 
 void Entry::RefuseControl(char32_t control) const {
     const bool breaks = m_extent == Extent::Line && (control == '\r' || control == '\n');
     Refuse(FailureKind::Value,
-           breaks ? "a line ends here; give one line"
-                  : "the control character " + platform::NameOf(control) + " cannot stand here; take it out");
+           breaks ? Words("a line ends here; give one line")
+                  : Words("the control character {1} cannot stand here; take it out", platform::NameOf(control)));
 }
 
 void Entry::RefuseCharacter(char32_t character) const {
     std::string sign;
     platform::AppendUtf8(sign, character);
-    Refuse(FailureKind::Uncarried, sign + " (" + platform::NameOf(character) + ") has no code in a Japanese mail");
+    Refuse(FailureKind::Uncarried,
+           Words("{1} ({2}) has no code in a Japanese mail", sign, platform::NameOf(character)));
 }
 
 }  // namespace
@@ -140,7 +142,7 @@ void Entry::RefuseCharacter(char32_t character) const {
 CString ToCodePage(std::string_view utf8, Extent extent, Missing missing, const Place& where) {
     CheckTables();
     if (utf8.size() > kMaxTextBytes)
-        throw Failure(FailureKind::Value, where, "the text is larger than 256 MiB; send it as an attachment");
+        throw Failure(FailureKind::Value, where, Words("the text is larger than 256 MiB; send it as an attachment"));
     return CString(Entry(utf8, extent, missing, where).Convert());
 }
 
@@ -165,7 +167,7 @@ CString ToCarriedCodes(std::string_view text, const Place& where) {
         if (code == -1) {
             const char32_t named = character.code == platform::kNoCharacter ? kReplacement : character.code;
             throw Failure(FailureKind::Uncarried, where,
-                          "the character " + platform::NameOf(named) + " has no code in a Japanese mail");
+                          Words("the character {1} has no code in a Japanese mail", platform::NameOf(named)));
         }
         platform::AppendCode(carried, code);
         i += character.bytes;

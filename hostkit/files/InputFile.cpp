@@ -1,7 +1,7 @@
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/Descriptors.h>
 #include <hostkit/files/InputFile.h>
 
@@ -11,7 +11,7 @@ namespace {
 
 [[noreturn]] void Refuse(const std::string& name) {
     const int error = errno;
-    throw Failure(FailureKind::Input, {Field::None, name}, std::string("cannot be read: ") + std::strerror(error));
+    throw Failure(FailureKind::Input, {Field::None, name}, Words("cannot be read: {1}", SystemWords(error)));
 }
 
 }  // namespace
@@ -32,7 +32,7 @@ std::string ReadWhole(int descriptor, const std::string& name, std::size_t maxBy
         bytes.append(piece.data(), static_cast<std::size_t>(count));
         if (bytes.size() > maxBytes)
             throw Failure(FailureKind::Input, {Field::None, name},
-                          "holds more than the " + std::to_string(maxBytes) + " bytes that can be taken");
+                          Words("holds more than the {1} bytes that can be taken", maxBytes));
     }
 }
 

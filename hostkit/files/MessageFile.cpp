@@ -1,4 +1,5 @@
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/InputFile.h>
 #include <hostkit/files/MessageFile.h>
 
@@ -9,7 +10,7 @@ namespace {
 void CheckSize(const std::string& name, std::uintmax_t bytes) {
     if (bytes <= kMaxMessageBytes) return;
     throw Failure(FailureKind::Message, {Field::None, name},
-                  "is 2 GiB or larger, which no message may be; give single messages");
+                  Words("is 2 GiB or larger, which no message may be; give single messages"));
 }
 
 bool HasLfLines(const std::string& text) {

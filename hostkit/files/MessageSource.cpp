@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/Descriptors.h>
 #include <hostkit/files/MessageFile.h>
 #include <hostkit/files/MessageSource.h>
@@ -20,8 +20,7 @@ constexpr std::string_view kNextFrom = "\nFrom ";
 constexpr std::size_t kPieceBytes = 64 * 1024;
 
 [[noreturn]] void Refuse(const fs::path& name, int error) {
-    throw Failure(FailureKind::Input, {Field::None, name.native()},
-                  std::string("cannot be read: ") + std::strerror(error));
+    throw Failure(FailureKind::Input, {Field::None, name.native()}, Words("cannot be read: {1}", SystemWords(error)));
 }
 
 // The empty line that an mbox puts behind each message.
@@ -111,7 +110,7 @@ private:
         m_nTop = isAll ? 0 : m_nTop + message.size();
         if (std::exchange(m_bTooLarge, false))
             throw Failure(FailureKind::Message, {Field::None, m_name.native()},
-                          "is 2 GiB or larger, which no message may be");
+                          Words("is 2 GiB or larger, which no message may be"));
         return message;
     }
 
@@ -179,7 +178,7 @@ std::optional<MessageSource::Message> MessageSource::Next() {
             std::optional<std::string> bytes = m_pStream->Next();
             const fs::path& file = m_pStream->Name();
             if (bytes)
-                return Message{file, file.native() + (isMbox ? ", message " + std::to_string(m_nLast) : ""), m_nLast,
+                return Message{file, isMbox ? Words("{1}, message {2}", file, m_nLast) : file.native(), m_nLast,
                                std::move(*bytes)};
             --m_nLast;
         } catch (const std::bad_alloc&) {  // what is left of this file would need as much

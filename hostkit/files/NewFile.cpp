@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/NewFile.h>
 #include <hostkit/files/WorkFolder.h>
 #include <sys/xattr.h>
@@ -16,8 +16,8 @@ namespace {
 constexpr mode_t kModeBits = 07777;
 constexpr int kNameTries = 100;
 constexpr char kAccessList[] = "system.posix_acl_access";
-constexpr char kUnchanged[] = "; it is as it was before";
-constexpr char kHalf[] = "; the message there is not whole";
+constexpr const char* kUnchanged = Marked("cannot be written: {1}; it is as it was before");
+constexpr const char* kHalf = Marked("cannot be written: {1}; the message there is not whole");
 
 std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
@@ -73,11 +73,12 @@ NewFile::NewFile(const std::string& target, const std::string& name, const struc
     : m_strTarget(target), m_strName(name), m_bReplaces(old != nullptr) {
     m_bMayWriteInPlace = old != nullptr && unkept == Unkept::WriteInPlace;
     const bool isMade = Make(FolderOf(target), old == nullptr ? 0666 : 0600);
-    if (!isMade && !m_bMayWriteInPlace) Fail(errno, "; name a file in a folder that you can write to");
+    if (!isMade && !m_bMayWriteInPlace)
+        Fail(errno, Marked("cannot be written: {1}; name a file in a folder that you can write to"));
     if (isMade && (old == nullptr || KeepsAllOf(*old))) return;
     if (!m_bMayWriteInPlace) {
         throw Failure(FailureKind::Unkept, {Field::None, name},
-                      "a new file in its place cannot have its owner, group, permissions and access list");
+                      Words("a new file in its place cannot have its owner, group, permissions and access list"));
     }
     m_bInPlace = true;
     if (!Make(TemporaryFolder().native() + "/", 0600)) Fail(errno, kUnchanged);
@@ -120,7 +121,7 @@ void NewFile::TakePlace() {
     if (error == EBUSY && m_bMayWriteInPlace) return CopyIntoTarget();
     if (error == EBUSY && m_bReplaces) {
         throw Failure(FailureKind::Unkept, {Field::None, m_strName},
-                      "a new file cannot take its place, since something is mounted there");
+                      Words("a new file cannot take its place, since something is mounted there"));
     }
     Fail(error, kUnchanged);
 }
@@ -156,9 +157,8 @@ void NewFile::CopyIntoTarget() {
     if (ftruncate(target.Number(), status.st_size) != 0 || !IsDone(fsync(target.Number()))) Fail(errno, kHalf);
 }
 
-void NewFile::Fail(int error, const char* rest) const {
-    throw Failure(FailureKind::Output, {Field::None, m_strName},
-                  std::string("cannot be written: ") + std::strerror(error) + rest);
+void NewFile::Fail(int error, const char* sentence) const {
+    throw Failure(FailureKind::Output, {Field::None, m_strName}, Words(sentence, SystemWords(error)));
 }
 
 }  // namespace hostkit

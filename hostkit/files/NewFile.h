@@ -41,7 +41,7 @@ private:
     bool LinkToTarget();
     bool MoveToTarget();
     void CopyIntoTarget();
-    [[noreturn]] void Fail(int error, const char* rest) const;
+    [[noreturn]] void Fail(int error, const char* sentence) const;
 
     std::string m_strTarget;
     std::string m_strName;

@@ -1,7 +1,7 @@
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <fcntl.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/OutputTarget.h>
 #include <unistd.h>
 
@@ -34,13 +34,14 @@ OutputTarget::OutputTarget(int descriptor, const std::string& name) : m_strShown
 OutputTarget::~OutputTarget() = default;
 
 void OutputTarget::LookAtDescriptor(int number) {
-    if (number < 0) Refuse(FailureKind::Target, m_strShown, "is open in another program; name its file");
+    if (number < 0) Refuse(FailureKind::Target, m_strShown, Words("is open in another program; name its file"));
     m_straight = SecondFor(number);
     struct stat status;
     if (!m_straight || fstat(number, &status) != 0)
-        Refuse(FailureKind::Target, m_strShown, "is closed; open it, or name a file");
+        Refuse(FailureKind::Target, m_strShown, Words("is closed; open it, or name a file"));
     if ((fcntl(number, F_GETFL) & O_ACCMODE) == O_RDONLY)
-        Refuse(FailureKind::Target, m_strShown, "is open for reading alone; open it for writing, or name a file");
+        Refuse(FailureKind::Target, m_strShown,
+               Words("is open for reading alone; open it for writing, or name a file"));
     m_status = status;
 }
 
@@ -50,19 +51,19 @@ void OutputTarget::LookAtFile(const std::filesystem::path& path) {
     const std::filesystem::path absolute = std::filesystem::absolute(path, none);
     m_strPath = none || path.empty() ? path : absolute;
     if (m_strPath.empty() || m_strPath.back() == '/')
-        Refuse(FailureKind::Target, "'" + m_strShown + "'", "names no file; give a file");
+        Refuse(FailureKind::Target, "'" + m_strShown + "'", Words("names no file; give a file"));
     if (stat(m_strPath.c_str(), &status) != 0) {
         const int error = errno;
-        if (error != ENOENT) Refuse(FailureKind::Target, m_strShown, std::strerror(error));
+        if (error != ENOENT) Refuse(FailureKind::Target, m_strShown, SystemWords(error));
         if (lstat(m_strPath.c_str(), &status) == 0)
-            Refuse(FailureKind::Target, m_strShown, "is a link to nothing; name another file");
+            Refuse(FailureKind::Target, m_strShown, Words("is a link to nothing; name another file"));
         return;
     }
     m_status = status;
-    if (S_ISDIR(status.st_mode)) Refuse(FailureKind::Target, m_strShown, "is a folder; give a file in it");
+    if (S_ISDIR(status.st_mode)) Refuse(FailureKind::Target, m_strShown, Words("is a folder; give a file in it"));
     if (faccessat(AT_FDCWD, m_strPath.c_str(), W_OK, AT_EACCESS) != 0) {
         Refuse(FailureKind::Target, m_strShown,
-               std::string("may not be written: ") + std::strerror(errno) + "; name another file");
+               Words("may not be written: {1}; name another file", SystemWords(errno)));
     }
     if (!S_ISREG(status.st_mode)) return;
     CheckIsNotStandard();
@@ -74,8 +75,9 @@ void OutputTarget::CheckIsNotStandard() const {
         struct stat status;
         if (fstat(number, &status) != 0 || !IsTarget(status)) continue;
         Refuse(FailureKind::Target, m_strShown,
-               std::string("is the file that standard ") + (number == STDOUT_FILENO ? "output" : "error") +
-                   " goes to; name another file, or the output itself");
+               number == STDOUT_FILENO
+                   ? Words("is the file that standard output goes to; name another file, or the output itself")
+                   : Words("is the file that standard error goes to; name another file, or the output itself"));
     }
 }
 
@@ -84,14 +86,13 @@ bool OutputTarget::IsTarget(const struct stat& status) const {
 }
 
 void OutputTarget::CheckIsNot(const struct stat& status, const Place& where) const {
-    if (IsTarget(status)) throw Failure(FailureKind::SameFile, where, "is also the file to write");
+    if (IsTarget(status)) throw Failure(FailureKind::SameFile, where, Words("is also the file to write"));
 }
 
 COutputStream& OutputTarget::Open() {
     if (!m_straight && m_status && !S_ISREG(m_status->st_mode)) {
         m_straight = Descriptor(open(m_strPath.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
-        if (!m_straight)
-            Refuse(FailureKind::Target, m_strShown, std::string("cannot be opened: ") + std::strerror(errno));
+        if (!m_straight) Refuse(FailureKind::Target, m_strShown, Words("cannot be opened: {1}", SystemWords(errno)));
     }
     if (!m_straight)
         m_pFile = std::make_unique<NewFile>(m_strPath, m_strShown, m_status ? &*m_status : nullptr, m_unkept);
@@ -102,8 +103,8 @@ COutputStream& OutputTarget::Open() {
 void OutputTarget::CheckWritten() const {
     if (m_pStream->Failed() == 0) return;
     Refuse(FailureKind::Output, m_strShown,
-           std::string("cannot be written: ") + std::strerror(m_pStream->Failed()) +
-               (m_pFile ? "; nothing was changed" : "; the message there is not whole"));
+           m_pFile ? Words("cannot be written: {1}; nothing was changed", SystemWords(m_pStream->Failed()))
+                   : Words("cannot be written: {1}; the message there is not whole", SystemWords(m_pStream->Failed())));
 }
 
 void OutputTarget::Commit() {

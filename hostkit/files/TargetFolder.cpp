@@ -1,14 +1,14 @@
 #include <cerrno>
-#include <cstring>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/TargetFolder.h>
 
 namespace hostkit {
 
 namespace {
 
-[[noreturn]] void Fail(const std::filesystem::path& folder, const std::string& fact, int error) {
-    throw Failure(FailureKind::Target, {Field::Folder, folder.native()}, fact + ": " + std::strerror(error));
+[[noreturn]] void Fail(const std::filesystem::path& folder, const std::string& fact) {
+    throw Failure(FailureKind::Target, {Field::Folder, folder.native()}, fact);
 }
 
 std::filesystem::path Absolute(const std::filesystem::path& folder) {
@@ -27,7 +27,8 @@ std::filesystem::path NearestTo(const std::filesystem::path& folder, const std::
         status = std::filesystem::status(nearest, error);
     }
     if (status.type() == std::filesystem::file_type::directory) return nearest;
-    Fail(named, "cannot take files", status.type() == std::filesystem::file_type::none ? error.value() : ENOTDIR);
+    const int fault = status.type() == std::filesystem::file_type::none ? error.value() : ENOTDIR;
+    Fail(named, Words("cannot take files: {1}", SystemWords(fault)));
 }
 
 }  // namespace
@@ -46,10 +47,10 @@ TargetFolder::~TargetFolder() {
 void TargetFolder::Open() {
     std::error_code error;
     m_bMade = std::filesystem::create_directories(m_folder, error);
-    if (error) Fail(m_named, "cannot be made", error.value());
+    if (error) Fail(m_named, Words("cannot be made: {1}", SystemWords(error.value())));
     for (std::filesystem::directory_iterator at(m_folder, error), end; !error && at != end; at.increment(error))
         (void)m_names.Take(at->path().filename());
-    if (error) Fail(m_named, "cannot be read", error.value());
+    if (error) Fail(m_named, Words("cannot be read: {1}", SystemWords(error.value())));
     m_bOpen = true;
 }
 
@@ -62,7 +63,7 @@ std::filesystem::path TargetFolder::Take(const std::filesystem::path& made, cons
             m_taken.push_back(m_folder / unique);
             return m_named / unique;
         }
-        if (errno != EEXIST) Fail(m_named, "cannot take the file '" + unique + "'", errno);
+        if (errno != EEXIST) Fail(m_named, Words("cannot take the file '{1}': {2}", unique, SystemWords(errno)));
     }
 }
 

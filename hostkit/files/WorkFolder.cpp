@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/WorkFolder.h>
 #include <sys/stat.h>
 
@@ -25,7 +26,7 @@ WorkFolder::WorkFolder(const std::filesystem::path& parent, const Place& where)
     const int error = errno;
     m_folder.Release();
     throw Failure(FailureKind::System, where.name.empty() ? Place{Field::None, parent.native()} : where,
-                  std::string("a temporary folder cannot be made in it: ") + std::strerror(error));
+                  Words("a temporary folder cannot be made in it: {1}", SystemWords(error)));
 }
 
 WorkFolder::~WorkFolder() = default;

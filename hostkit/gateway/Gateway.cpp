@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstdlib>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/FileName.h>
 #include <hostkit/gateway/Dialect.h>
 #include <hostkit/gateway/Gateway.h>
@@ -14,9 +16,9 @@ namespace {
 
 using namespace gateway;
 
-constexpr const char* kTooLarge = "is 2 GiB or larger, which no message may be; give single messages";
-constexpr const char* kTooLargeInside = "holds more than 2 GiB once its attachments are written for the engine";
-constexpr const char* kEmpty = "is empty; a message begins with header fields";
+constexpr const char* kTooLarge = Marked("is 2 GiB or larger, which no message may be; give single messages");
+constexpr const char* kTooLargeInside = Marked("holds more than 2 GiB once its attachments are written for the engine");
+constexpr const char* kEmpty = Marked("is empty; a message begins with header fields");
 
 // Old systems end lines by CR alone.
 void EndLines(std::string& text) {
@@ -75,7 +77,7 @@ void WriteFiles(const Reading& reading, const GatewayLimits& limits, Passed& pas
     for (const Attached& file : reading.files) {
         const std::string data = DataOf(*file.entity);
         if (writer.Size() > limits.bytes - std::min(limits.bytes, data.size() / 3 * 4 + data.size() / 20)) {
-            passed.refusal = kTooLargeInside;
+            passed.refusal = hostkit::Words(kTooLargeInside);
             return;
         }
         std::string name = CleanFileName(file.name);
@@ -128,32 +130,41 @@ bool PassAsItIs(std::string& message, const GatewayLimits& limits, Passed& passe
     return true;
 }
 
+unsigned long Count(const std::string& detail) {
+    return std::strtoul(detail.c_str(), nullptr, 10);
+}
+
 }  // namespace
 
 std::string Notice::Sentence() const {
     switch (kind) {
         case Kind::Cut:
-            return "the message is cut off, or a closing delimiter is missing";
+            return hostkit::Words("the message is cut off, or a closing delimiter is missing");
         case Kind::TooDeep:
-            return "parts nest too deep; what lies there is attached as it came";
+            return hostkit::Words("parts nest too deep; what lies there is attached as it came");
         case Kind::TooMany:
-            return detail + " parts are left out; a message has too many";
+            return CountedWords(Count(detail), "{1} part is left out; the message has too many",
+                                "{1} parts are left out; the message has too many");
         case Kind::UnknownEncoding:
-            return "a part stays encoded; its transfer encoding '" + detail + "' is not known";
+            return hostkit::Words("a part stays encoded; its transfer encoding '{1}' is not known", detail);
         case Kind::UnknownBytes:
-            return "in " + detail + " places the text holds bytes that are no characters";
+            return CountedWords(Count(detail), "in {1} place the text holds bytes that are no characters",
+                                "in {1} places the text holds bytes that are no characters");
         case Kind::Encrypted:
-            return "the text is encrypted or sealed, and lies in an attachment";
+            return hostkit::Words("the text is encrypted or sealed, and lies in an attachment");
         case Kind::Replaced:
-            return detail + " characters are shown as 〓; a message may hold 1880 different ones that are not Japanese";
+            return CountedWords(
+                Count(detail),
+                "{1} character is shown as 〓; a message may hold 1880 different ones that are not Japanese",
+                "{1} characters are shown as 〓; a message may hold 1880 different ones that are not Japanese");
     }
     return "";
 }
 
 Passed PassThrough(std::string message, const GatewayLimits& limits) {
     Passed passed;
-    if (message.size() > limits.bytes) passed.refusal = kTooLarge;
-    if (message.find_first_not_of("\r\n") == std::string::npos) passed.refusal = kEmpty;
+    if (message.size() > limits.bytes) passed.refusal = hostkit::Words(kTooLarge);
+    if (message.find_first_not_of("\r\n") == std::string::npos) passed.refusal = hostkit::Words(kEmpty);
     if (!passed.refusal.empty()) return passed;
     EndLines(message);
     message.erase(0, TopOfMessage(message));

@@ -1,11 +1,10 @@
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/MediaTypes.h>
 #include <hostkit/gateway/Naming.h>
 #include <hostkit/gateway/text/EncodedWords.h>
 
 namespace hostkit::gateway {
 namespace {
-
-constexpr std::string_view kMadeName = "添付";
 
 std::string ExtensionFor(const Content& content) {
     if (content.type.starts_with("message/") || content.Is("text/rfc822-headers")) return ".txt";
@@ -31,7 +30,7 @@ void NameFiles(std::vector<Attached>& files) {
         const Content& content = file.entity->content;
         const bool isMail = content.Is("message/rfc822") || content.Is("message/global");
         if (isMail) file.name = SubjectOf(DataOf(*file.entity));
-        if (file.name.empty()) file.name = std::string(kMadeName) + std::to_string(++number);
+        if (file.name.empty()) file.name = hostkit::Words("attachment{1}", ++number);
         file.name += isMail ? ".eml" : ExtensionFor(content);
     }
 }

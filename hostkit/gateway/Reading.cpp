@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <hostkit/characters/Words.h>
 #include <hostkit/gateway/Naming.h>
 #include <hostkit/gateway/Reading.h>
 #include <hostkit/gateway/text/Charsets.h>
@@ -9,10 +10,8 @@
 namespace hostkit::gateway {
 namespace {
 
-constexpr std::string_view kEncryptedLine = "（このメールは暗号化されています。本文は添付ファイルの中にあります。）\n";
-constexpr std::string_view kSealedLine =
-    "（このメールは署名の中に包まれています。本文は添付ファイルの中にあります。）\n";
-constexpr std::string_view kHtmlName = "本文.html";
+constexpr const char* kEncryptedLine = Marked("(This mail is encrypted. Its text is in an attachment.)");
+constexpr const char* kSealedLine = Marked("(This mail is wrapped in its signature. Its text is in an attachment.)");
 
 bool IsHtml(const Content& content) {
     return content.Is("text/html") || content.Is("application/xhtml+xml");
@@ -81,7 +80,7 @@ private:
         if (content.Is("multipart/related")) return TakeOne(entity, RootOf(entity));
         if (content.Is("multipart/signed") || content.Is("multipart/report")) return TakeOne(entity, entity.parts[0]);
         if (content.Is("multipart/encrypted")) {
-            AddText(kEncryptedLine);
+            AddText(hostkit::Words(kEncryptedLine) + '\n');
             Tell(Notice::Kind::Encrypted);
             for (const Entity& part : entity.parts)
                 AttachAll(part);
@@ -95,7 +94,7 @@ private:
         if (IsLetter(leaf)) return TakeText(leaf);
         if (IsSealed(leaf.content)) {
             const bool isOpen = leaf.content.smimeType == "signed-data";
-            AddText(isOpen ? kSealedLine : kEncryptedLine);
+            AddText(hostkit::Words(isOpen ? kSealedLine : kEncryptedLine) + '\n');
             Tell(Notice::Kind::Encrypted);
         }
         Attach(leaf);
@@ -172,7 +171,7 @@ private:
     void TakeText(const Entity& entity) {
         TellEncoding(entity);
         AddText(ReadText(entity.content, DataOf(entity)));
-        if (IsHtml(entity.content)) m_reading.files.push_back({&entity, std::string(kHtmlName), true});
+        if (IsHtml(entity.content)) m_reading.files.push_back({&entity, hostkit::Words("text.html"), true});
     }
 
     std::string ReadText(const Content& content, std::string_view data) {

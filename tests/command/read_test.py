@@ -135,7 +135,7 @@ class ReadTest(unittest.TestCase):
         files = self.opened(mixed(*(file(name) for name in names), *mails), "--extract", "😀")["files"]
         self.assertEqual([pathlib.Path(f["path"]).name for f in files], [
             "a_b.txt", "a_b (1).txt", "bashrc", "rf", "A.TXT", "a (1).txt", "同じ.txt", "同じ (1).txt", "x" * 250,
-            "same.eml", "same (1).eml", "添付1.eml"])
+            "same.eml", "same (1).eml", "attachment1.eml"])
         self.assertEqual({f["path"] for f in files}, {f"😀/{name}" for name in os.listdir(self.folder / "😀")})
 
     def test_all_attachments_are_extracted_or_none(self):
