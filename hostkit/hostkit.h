@@ -32,3 +32,5 @@
 #include <hostkit/letter/PartLimit.h>
 #include <hostkit/letter/SaveLetter.h>
 #include <hostkit/letter/SendLetter.h>
+#include <hostkit/settings/ByteCount.h>
+#include <hostkit/settings/Settings.h>

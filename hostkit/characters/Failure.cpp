@@ -49,7 +49,10 @@ std::string SentenceOf(const Place& place, std::string_view label, const std::st
     if (!text.empty() && !place.name.empty()) text += ' ';
     text += place.name;
     if (!text.empty()) text += ": ";
-    if (place.line != 0) text += Words("line {1}, column {2}: ", place.line, place.column);
+    if (place.line != 0 && place.column != 0)
+        text += Words("line {1}, column {2}: ", place.line, place.column);
+    else if (place.line != 0)
+        text += Words("line {1}: ", place.line);
     return text + fact;
 }
 

@@ -21,6 +21,7 @@ enum class FailureKind {
     Output,     // writing failed
     Delivery,   // a server did not take the mail
     Login,      // and asks for a login or encryption, which the engine does not have
+    Settings,   // the user's settings are wrong in one line
     System,     // this machine lacks what the work needs
 };
 
@@ -47,7 +48,7 @@ enum class Field {
 struct Place {
     Field field = Field::None;
     std::string name{};    // the file, or the value as it was given; empty: the field has one
-    std::size_t line = 0;  // both count from 1, a column in characters; 0: the whole
+    std::size_t line = 0;  // both count from 1, a column in characters; 0: the whole of it, or of the line
     std::size_t column = 0;
 };
 

@@ -17,6 +17,9 @@ void CLetterOptions::AddTo(CLI::App& command) {
         ->type_name("NAME");
     command.add_flag("--sender-bcc", m_letter.senderBcc, "A blind copy goes to the sender too");
     command.add_flag("--upper-reply", m_letter.upperReply, "Closing and signature stand above the quoted mail");
+    Filled(command.add_option("--config", m_strConfig,
+                              "The settings; else $XDG_CONFIG_HOME/mailengine/config.ini, if it is there"))
+        ->type_name("FILE");
     command.add_flag("--replace", m_bReplace, "Put 〓 for a character that a Japanese mail cannot carry");
 }
 
@@ -46,8 +49,16 @@ void CLetterOptions::AddTextsTo(CLI::App& command) {
     command.add_option("--signature", m_letter.signature, "The signature")->type_name("TEXT");
 }
 
+const hostkit::Settings& CLetterOptions::Settings() const {
+    if (!m_settings) m_settings = m_strConfig ? hostkit::ReadSettings(*m_strConfig) : hostkit::ReadSettings();
+    return *m_settings;
+}
+
 hostkit::Letter CLetterOptions::Letter(Input input) const {
     hostkit::Letter letter = m_letter;
+    if (!letter.from) letter.from = Settings().from;
+    if (!letter.replyTo) letter.replyTo = Settings().replyTo;
+    if (!letter.signature) letter.signature = Settings().signature;
     if (m_bReplace) letter.missing = hostkit::Missing::Replace;
     const bool isPiped = input == Input::Body && !letter.body && !m_strBodyFile && HasPipedInput();
     const std::string file = isPiped ? "-" : m_strBodyFile.value_or("");

@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <hostkit/letter/Letter.h>
+#include <hostkit/settings/Settings.h>
 #include <optional>
 
 class CLetterOptions {
@@ -15,8 +16,11 @@ public:
         Body,   // the body, where none was given: what is piped in is not dropped. A terminal is left alone
         Taken,  // something else
     };
-    // What was given, and the text of the body file if one was named. Throws hostkit::Failure if that cannot be read.
+    // What was given, with the text of the body file if one was named, and for what was not the settings. Throws
+    // hostkit::Failure if one of them cannot be read.
     hostkit::Letter Letter(Input input = Input::Body) const;
+    // The user's settings, read once. Throws hostkit::Failure.
+    const hostkit::Settings& Settings() const;
 
     // Whether a subject was given that has no character.
     bool HasEmptySubject() const { return m_letter.subject == ""; }
@@ -29,5 +33,7 @@ private:
 
     hostkit::Letter m_letter;
     std::optional<std::string> m_strBodyFile;
+    std::optional<std::string> m_strConfig;
+    mutable std::optional<hostkit::Settings> m_settings;
     bool m_bReplace = false;
 };

@@ -34,8 +34,7 @@ void Send(CMailDoc& doc, bool quiet) {
 CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send a mail to a mail server") {
     m_letter.AddTo(*m_pCommand);
     options::Filled(m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given"))
-        ->type_name("HOST[:PORT]")
-        ->required();
+        ->type_name("HOST[:PORT]");
     CLI::Option* answered = options::Filled(
         m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input"));
     m_answer.AddTo(*m_pCommand, *answered->type_name("FILE"));
@@ -52,7 +51,9 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
 
 int CSendCommand::Run() const {
     CMailDoc doc;
-    hostkit::SetServer(m_strServer, doc);
+    const std::optional<std::string>& server = m_strServer ? m_strServer : m_letter.Settings().server;
+    if (!server) throw CFailure("--server is required, here or in the settings", kExitUsage);
+    hostkit::SetServer(*server, doc);
     if (m_strAnswered.empty())
         m_letter.Letter().Fill(doc);
     else

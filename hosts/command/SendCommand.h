@@ -14,7 +14,7 @@ public:
 private:
     CLetterOptions m_letter;
     CAnswerOptions m_answer;
-    std::string m_strServer;
+    std::optional<std::string> m_strServer;
     std::string m_strAnswered;
     bool m_bDryRun = false;
     bool m_bQuiet = false;
