@@ -62,6 +62,7 @@ std::string TextOf(std::string_view text) {
 
 std::string HeaderTextOf(std::string_view text) {
     std::string outside;
+    outside.reserve(text.size());
     while (!text.empty()) {
         const std::size_t end = text.find('\n');
         const std::string_view line = text.substr(0, end == std::string_view::npos ? end : end + 1);
@@ -76,8 +77,11 @@ std::string LineShown(std::string_view text) {
 }
 
 std::string BodyShown(std::string_view text) {
+    std::string room;
+    if (!IsUtf8(text)) text = room = FromCodePage(text);
     std::string shown;
-    ForEachLine(TextOf(text), [&](std::string_view line) { AppendShown(shown, line); });
+    shown.reserve(text.size() + text.size() / 32);
+    ForEachLine(text, [&](std::string_view line) { AppendShown(shown, line); });
     return shown;
 }
 

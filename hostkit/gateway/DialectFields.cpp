@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <hostkit/gateway/DialectFields.h>
+#include <hostkit/gateway/entities/Addresses.h>
 #include <hostkit/gateway/text/Transfer.h>
 
 namespace hostkit::gateway {
@@ -128,7 +129,7 @@ bool AreCleanAddresses(std::string_view raw) {
     std::string value;
     if (!UnfoldByRule(raw, &IsBetweenAddresses, value) || !HasCleanWords(value, ",\"<>\\;:()")) return false;
     std::string_view rest = value;
-    for (;;) {
+    for (std::size_t items = 0; items < kMaxAddresses; ++items) {
         std::size_t from = 0;
         if (Trim(rest).starts_with('"')) {
             from = rest.find('"', rest.find('"') + 1);
@@ -139,6 +140,7 @@ bool AreCleanAddresses(std::string_view raw) {
         if (comma == std::string_view::npos) return true;
         rest.remove_prefix(comma + 1);
     }
+    return false;
 }
 
 struct Rule {

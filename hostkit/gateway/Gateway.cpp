@@ -28,12 +28,15 @@ void EndLines(std::string& text) {
 class HeaderTexts {
 public:
     // letter is the charset of the text below, or empty.
-    HeaderTexts(const Header& header, std::string_view letter) : m_header(header), m_letter(letter) {}
+    HeaderTexts(const Header& header, std::string_view letter, std::vector<Notice>& notices)
+        : m_header(header), m_letter(letter), m_notices(notices) {}
 
     std::vector<Mailbox> Addresses(std::string_view name) const {
         std::vector<Mailbox> mailboxes;
+        bool areAll = true;
         for (const Field& field : m_header.fields)
-            if (EqualNames(field.name, name)) ReadAddresses(field.raw, m_letter, mailboxes);
+            if (areAll && EqualNames(field.name, name)) areAll = ReadAddresses(field.raw, m_letter, mailboxes);
+        if (!areAll) m_notices.push_back({Notice::Kind::TooManyAddresses, std::string(name)});
         return mailboxes;
     }
 
@@ -45,6 +48,7 @@ public:
 private:
     const Header& m_header;
     std::string_view m_letter;
+    std::vector<Notice>& m_notices;
 };
 
 // The charset that the first text of a message to name one names.
@@ -75,7 +79,8 @@ void WriteHeader(const HeaderTexts& header, Passed& passed, Writer& writer) {
 void WriteFiles(const Reading& reading, const GatewayLimits& limits, Passed& passed, Writer& writer) {
     UniqueFileNames names;
     for (const Attached& file : reading.files) {
-        const std::string data = DataOf(*file.entity);
+        std::string room;
+        const std::string_view data = DataOf(*file.entity, room);
         if (writer.Size() > limits.bytes - std::min(limits.bytes, data.size() / 3 * 4 + data.size() / 20)) {
             passed.refusal = hostkit::Words(kTooLargeInside);
             return;
@@ -91,14 +96,14 @@ void Rewrite(std::string_view text, const GatewayLimits& limits, Passed& passed)
     const Tree tree = ReadTree(text, {limits.depth, limits.parts});
     Reading reading = Read(tree);
     Writer writer(passed.characters);
-    WriteHeader({tree.root.header, CharsetOfLetter(tree.root)}, passed, writer);
+    WriteHeader({tree.root.header, CharsetOfLetter(tree.root), passed.notices}, passed, writer);
     writer.BeginBody(reading.text, reading.files.size());
     WriteFiles(reading, limits, passed, writer);
     if (!passed.refusal.empty()) return;
     passed.message = writer.Take();
     passed.changed = true;
     passed.alternatives = std::move(reading.alternatives);
-    passed.notices = std::move(reading.notices);
+    std::move(reading.notices.begin(), reading.notices.end(), std::back_inserter(passed.notices));
     const std::size_t replaced = passed.characters.Replaced();
     if (replaced > 0) passed.notices.push_back({Notice::Kind::Replaced, std::to_string(replaced)});
 }
@@ -125,7 +130,7 @@ bool PassAsItIs(std::string& message, const GatewayLimits& limits, Passed& passe
         return false;
     }
     std::size_t bodyTop = 0;
-    passed.replyTo = HeaderTexts(ReadHeader(message, bodyTop), "").Addresses("Reply-To");
+    passed.replyTo = HeaderTexts(ReadHeader(message, bodyTop), "", passed.notices).Addresses("Reply-To");
     passed.message = std::move(message);
     return true;
 }
@@ -145,6 +150,8 @@ std::string Notice::Sentence() const {
         case Kind::TooMany:
             return CountedWords(Count(detail), "{1} part is left out; the message has too many",
                                 "{1} parts are left out; the message has too many");
+        case Kind::TooManyAddresses:
+            return hostkit::Words("addresses in {1} are left out; it has more than 10000", detail);
         case Kind::UnknownEncoding:
             return hostkit::Words("a part stays encoded; its transfer encoding '{1}' is not known", detail);
         case Kind::UnknownBytes:

@@ -24,13 +24,14 @@ struct GatewayLimits {
 
 struct Notice {
     enum class Kind {
-        Cut,              // a closing delimiter is missing, the message may be cut off
-        TooDeep,          // multiparts nest deeper than the limit; what lies there is an attachment as it came
-        TooMany,          // parts beyond the limit are left out; detail: their number
-        UnknownEncoding,  // a part stays encoded; detail: what its transfer encoding is called
-        UnknownBytes,     // bytes of the text are no characters of its charset; detail: in how many places
-        Encrypted,        // the letter cannot be read without its key
-        Replaced,         // 〓 stands for characters that found no place; detail: how many
+        Cut,               // a closing delimiter is missing, the message may be cut off
+        TooDeep,           // multiparts nest deeper than the limit; what lies there is an attachment as it came
+        TooMany,           // parts beyond the limit are left out; detail: their number
+        TooManyAddresses,  // addresses of a field beyond 10,000 are left out; detail: its name
+        UnknownEncoding,   // a part stays encoded; detail: what its transfer encoding is called
+        UnknownBytes,      // bytes of the text are no characters of its charset; detail: in how many places
+        Encrypted,         // the letter cannot be read without its key
+        Replaced,          // 〓 stands for characters that found no place; detail: how many
     };
     Kind kind;
     std::string detail;

@@ -29,7 +29,8 @@ void NameFiles(std::vector<Attached>& files) {
         file.isMade = true;
         const Content& content = file.entity->content;
         const bool isMail = content.Is("message/rfc822") || content.Is("message/global");
-        if (isMail) file.name = SubjectOf(DataOf(*file.entity));
+        std::string room;
+        if (isMail) file.name = SubjectOf(DataOf(*file.entity, room));
         if (file.name.empty()) file.name = hostkit::Words("attachment{1}", ++number);
         file.name += isMail ? ".eml" : ExtensionFor(content);
     }

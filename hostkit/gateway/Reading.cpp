@@ -46,7 +46,9 @@ bool IsBase64(std::string_view text) {
 }
 
 // Programs label what they do not know as text.
-bool IsText(std::string_view data) {
+bool IsText(const Entity& leaf) {
+    std::string room;
+    const std::string_view data = DataOf(leaf, room);
     const auto controls = std::count_if(data.begin(), data.end(), [](char c) {
         return c >= '\0' && c < ' ' && std::string_view("\t\n\r\f\x1b").find(c) == std::string_view::npos;
     });
@@ -161,35 +163,42 @@ private:
     void ShowNamedText() {
         const auto found = std::find_if(m_reading.files.begin(), m_reading.files.end(), [](const Attached& file) {
             const Content& content = file.entity->content;
-            return IsReadable(content) && !content.isAttachment && IsText(DataOf(*file.entity));
+            return IsReadable(content) && !content.isAttachment && IsText(*file.entity);
         });
         if (found == m_reading.files.end()) return;
         const Entity& entity = *found->entity;
-        AddText(ReadText(entity.content, DataOf(entity)));
+        AddText(ReadText(entity));
     }
 
     void TakeText(const Entity& entity) {
         TellEncoding(entity);
-        AddText(ReadText(entity.content, DataOf(entity)));
+        AddText(ReadText(entity));
         if (IsHtml(entity.content)) m_reading.files.push_back({&entity, hostkit::Words("text.html"), true});
     }
 
-    std::string ReadText(const Content& content, std::string_view data) {
+    std::string ReadText(const Entity& entity) {
+        const Content& content = entity.content;
+        std::string room;
+        const std::string_view data = DataOf(entity, room);
         if (IsHtml(content)) {
             const std::string charset = content.charset.empty() ? CharsetInHtml(data) : content.charset;
             return HtmlToText(TextToUtf8(data, charset, m_faults));
         }
-        const std::string text = TextToUtf8(data, content.charset, m_faults);
-        return content.isFlowed ? Unflow(text, content.isDelSp) : text;
+        std::string text = TextToUtf8(data, content.charset, m_faults);
+        if (content.isFlowed) text = Unflow(text, content.isDelSp);
+        return text;
     }
 
-    void AddText(std::string_view text) {
+    void AddText(std::string text) {
         ++m_texts;
         constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-        if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+        if (text.starts_with(kByteOrderMark)) text.erase(0, kByteOrderMark.size());
         std::string& all = m_reading.text;
         if (!all.empty() && !all.ends_with('\n')) all += '\n';
-        all += text;
+        if (all.empty())
+            all = std::move(text);
+        else
+            all += text;
     }
 
     void TellEncoding(const Entity& entity) {
@@ -208,9 +217,11 @@ Reading Read(const Tree& tree) {
     return Reader().Read(tree);
 }
 
-std::string DataOf(const Entity& leaf) {
-    if (leaf.content.encoding == GMIME_CONTENT_ENCODING_BASE64 && !IsBase64(leaf.body)) return std::string(leaf.body);
-    return DecodeTransfer(leaf.body, leaf.content.encoding);
+std::string_view DataOf(const Entity& leaf, std::string& room) {
+    const GMimeContentEncoding encoding = leaf.content.encoding;
+    if (!IsEncoding(encoding) || (encoding == GMIME_CONTENT_ENCODING_BASE64 && !IsBase64(leaf.body))) return leaf.body;
+    room = DecodeTransfer(leaf.body, encoding);
+    return room;
 }
 
 }  // namespace hostkit::gateway

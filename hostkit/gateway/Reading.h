@@ -4,6 +4,7 @@
 #include <hostkit/gateway/Gateway.h>
 #include <hostkit/gateway/entities/Entity.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace hostkit::gateway {
@@ -24,7 +25,7 @@ struct Reading {
 // The reading points into the tree.
 Reading Read(const Tree& tree);
 
-// The bytes of a leaf.
-std::string DataOf(const Entity& leaf);
+// The bytes of a leaf, in room where they are encoded.
+std::string_view DataOf(const Entity& leaf, std::string& room);
 
 }  // namespace hostkit::gateway

@@ -38,26 +38,33 @@ bool IsAtomText(char c) {
 }
 
 // Encoded words on lines of their own: between those the engine puts nothing.
-std::string WordsOf(std::string_view text) {
-    std::string words;
-    while (!text.empty()) {
+void AppendWords(std::string_view text, std::string& field) {
+    field.reserve(field.size() + text.size() * 2);
+    for (bool isFirst = true; !text.empty(); isFirst = false) {
         std::size_t length = 0;
         while (length < text.size() && length + platform::CharacterBytes(text, length) <= kWordBytes)
             length += platform::CharacterBytes(text, length);
-        words += words.empty() ? "=?shift_jis?B?" : "\r\n\t=?shift_jis?B?";
-        words += Base64Of(text.substr(0, length)) + "?=";
+        field += isFirst ? "=?shift_jis?B?" : "\r\n\t=?shift_jis?B?";
+        field += Base64Of(text.substr(0, length)) + "?=";
         text.remove_prefix(length);
     }
-    return words;
+}
+
+void AppendValue(const std::string& text, std::string& field) {
+    if (IsPlain(text))
+        field += text;
+    else
+        AppendWords(text, field);
 }
 
 std::string ValueOf(const std::string& text) {
-    return IsPlain(text) ? text : WordsOf(text);
+    std::string value;
+    AppendValue(text, value);
+    return value;
 }
 
 // Control characters would end a field, or mean something to a terminal that shows it.
-std::string OneLine(std::string_view utf8) {
-    std::string line(utf8);
+std::string OneLine(std::string line) {
     for (char& c : line)
         if (static_cast<unsigned char>(c) < ' ' || c == 0x7F) c = ' ';
     return line;
@@ -93,12 +100,25 @@ std::string CrlfLines(std::string_view text) {
     return lines;
 }
 
+// How much of a text is converted at once, so that no copy of a large one is made. Cuts no line end and no character.
+std::size_t PieceBytes(std::string_view text) {
+    if (text.size() <= kPieceBytes) return text.size();
+    const std::size_t end = text.rfind('\n', kPieceBytes);
+    if (end != std::string_view::npos) return end + 1;
+    std::size_t bytes = kPieceBytes;
+    while (bytes > kPieceBytes - 4 && (static_cast<unsigned char>(text[bytes]) & 0xC0) == 0x80)
+        --bytes;
+    return bytes;
+}
+
 }  // namespace
 
-void Writer::AddText(std::string_view name, std::string_view value) {
-    const std::string text = m_characters.ToDialect(OneLine(value));
+void Writer::AddText(std::string_view name, std::string value) {
+    const std::string text = m_characters.ToDialect(OneLine(std::move(value)));
     if (text.empty()) return;
-    m_message.append(name).append(": ").append(ValueOf(text)).append("\r\n");
+    m_message.append(name).append(": ");
+    AppendValue(text, m_message);
+    m_message += "\r\n";
 }
 
 void Writer::AddAddresses(std::string_view name, const std::vector<Mailbox>& mailboxes) {
@@ -131,7 +151,17 @@ void Writer::BeginBody(std::string_view text, std::size_t files) {
             .append(kBoundary)
             .append("\r\n");
     m_message += "Content-Type: text/plain; charset=shift_jis\r\nContent-Transfer-Encoding: base64\r\n\r\n";
-    AddBase64(m_characters.ToDialect(CrlfLines(text)));
+    m_message.reserve(m_message.size() + text.size() + text.size() / 2);
+    std::string waiting;
+    while (!text.empty()) {
+        const std::string_view piece = text.substr(0, PieceBytes(text));
+        text.remove_prefix(piece.size());
+        waiting += m_characters.ToDialect(CrlfLines(piece));
+        AddBase64Lines(text.empty() ? waiting
+                                    : std::string_view(waiting).substr(0, waiting.size() / kLineBytes * kLineBytes));
+        waiting.erase(0, waiting.size() / kLineBytes * kLineBytes);
+    }
+    m_message += "\r\n";
 }
 
 void Writer::AddFile(const std::string& name, std::string_view data) {
@@ -142,12 +172,16 @@ void Writer::AddFile(const std::string& name, std::string_view data) {
 }
 
 void Writer::AddBase64(std::string_view data) {
+    AddBase64Lines(data);
+    m_message += "\r\n";
+}
+
+void Writer::AddBase64Lines(std::string_view data) {
     for (; !data.empty(); data.remove_prefix(std::min(data.size(), kPieceBytes))) {
         const std::string text = Base64Of(data.substr(0, kPieceBytes));
         for (std::size_t at = 0; at < text.size(); at += kLineBytes / 3 * 4)
             m_message.append(text, at, kLineBytes / 3 * 4).append("\r\n");
     }
-    m_message += "\r\n";
 }
 
 std::string Writer::Take() {

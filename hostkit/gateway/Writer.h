@@ -15,7 +15,7 @@ public:
     explicit Writer(CharacterTable& characters) : m_characters(characters) {}
 
     // Fields, in the order in which they are to stand. Values are UTF-8; an empty one, or a list of none, is left out.
-    void AddText(std::string_view name, std::string_view value);
+    void AddText(std::string_view name, std::string value);
     void AddAddresses(std::string_view name, const std::vector<Mailbox>& mailboxes);
 
     // Ends the header. text is UTF-8 with any line ends; behind it come as many calls of AddFile.
@@ -28,6 +28,7 @@ public:
 
 private:
     void AddBase64(std::string_view data);
+    void AddBase64Lines(std::string_view data);
     std::string ItemOf(const Mailbox& mailbox);
 
     CharacterTable& m_characters;

@@ -9,7 +9,9 @@
 #include <hostkit/letter/HeaderValues.h>
 #include <hostkit/letter/OpenedMail.h>
 #include <hostkit/letter/StoredMail.h>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include <mailengine/model/MailDoc.h>
 #include <mailengine/parser/EMailPerser.h>
@@ -42,16 +44,20 @@ public:
         m_opened.messageId = TextOf(m_header.messageId);
         m_opened.references = TextOf(m_header.references);
         m_opened.header = HeaderTextOf(m_mail.Gateway().changed ? m_mail.Block() : m_header.block.View());
+        (void)std::exchange(m_header.block, CString());
     }
 
-    // What is taken over is dropped there: a list of addresses takes many times its field.
-    void FillDocument(CMailDoc& doc) {
-        m_opened.subject = TextOf(ValueOf(doc, &CMailDoc::GetSubject));
-        m_opened.to = MailboxesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress);
-        doc.ClearToAddresses();
-        m_opened.cc = MailboxesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress);
-        doc.ClearCcAddresses();
-        m_opened.body = TextOf(ValueOf(doc, &CMailDoc::GetBody));
+    // What is taken over is dropped there: a list of addresses takes many times its field, and a body is most of a
+    // mail.
+    void FillDocument(std::unique_ptr<CMailDoc> doc) {
+        m_opened.subject = TextOf(ValueOf(*doc, &CMailDoc::GetSubject));
+        m_opened.to = MailboxesOf(*doc, doc->GetToAddressSize(), &CMailDoc::GetToAddress);
+        doc->ClearToAddresses();
+        m_opened.cc = MailboxesOf(*doc, doc->GetCcAddressSize(), &CMailDoc::GetCcAddress);
+        doc->ClearCcAddresses();
+        const CString body = ValueOf(*doc, &CMailDoc::GetBody);
+        doc.reset();
+        m_opened.body = TextOf(body);
     }
 
     void FillSummary() {
@@ -173,14 +179,15 @@ std::string Read(const StoredMail& mail, const fs::path& folder, CMailDoc& doc, 
 }  // namespace
 
 OpenedMail OpenMail(std::string message, const OpenOptions& options) {
-    const StoredMail mail(std::move(message), options.strict);
+    StoredMail mail(std::move(message), options.strict);
     OpenedMail opened;
-    CMailDoc doc;
+    auto doc = std::make_unique<CMailDoc>();
     opened.fault = mail.Refusal();
-    if (opened.fault.empty()) opened.fault = Read(mail, options.folder, doc, opened.files);
+    if (opened.fault.empty()) opened.fault = Read(mail, options.folder, *doc, opened.files);
     Filler filler(mail, opened);
-    filler.FillDocument(doc);
     filler.FillHeader();
+    mail.Drop();
+    filler.FillDocument(std::move(doc));
     filler.FillSummary();
     filler.FillGateway();
     return opened;

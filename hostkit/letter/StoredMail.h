@@ -5,6 +5,7 @@
 #include <hostkit/gateway/Gateway.h>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <mailengine/support/platform/text/String.h>
 
@@ -23,6 +24,11 @@ public:
     std::string Refusal() const;
     // What the parser is to read.
     const CString& ForParser() const { return m_forParser; }
+    // The parser has read it: the memory of message and block is free again, and all else stays.
+    void Drop() {
+        (void)std::exchange(m_forParser, CString());  // a plain assignment would keep the room
+        (void)std::exchange(m_block, std::string());
+    }
     // What the gateway told; nothing of a message that it did not get. The message itself is ForParser.
     const Passed& Gateway() const { return m_passed; }
     // Whether values are as this message's sender wrote them, and Gateway tells of Reply-To.

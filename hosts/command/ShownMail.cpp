@@ -59,7 +59,8 @@ std::string WithoutUnseen(const std::string& json) {
 std::string ShownMail(const OpenedMail& opened, bool headers) {
     std::string shown = hostkit::BodyShown(headers ? opened.header : opened.summary);
     if (!opened.fault.empty()) return shown;
-    shown += '\n' + hostkit::BodyShown(opened.body);
+    shown += '\n';
+    shown += hostkit::BodyShown(opened.body);
     if (!opened.files.empty()) shown += "\nAttachments:\n";
     for (const OpenedMail::File& file : opened.files) {
         shown += "  " + hostkit::LineShown(file.name) + ", " + std::to_string(file.size) + " bytes";

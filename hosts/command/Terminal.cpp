@@ -31,6 +31,11 @@ void terminal::Warn(const std::string& text) {
 }
 
 void terminal::Put(const std::string& text) {
+    if (text.size() >= kBufferBytes) {
+        Flush();
+        if (g_error == 0) g_error = hostkit::WriteAll(STDOUT_FILENO, text);
+        return;
+    }
     g_waiting += text;
     if (g_waiting.size() >= kBufferBytes) Flush();
 }

@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
+#include <malloc.h>
 #include <memory>
 
 #include "Faults.h"
@@ -17,6 +18,7 @@
 
 namespace {
 
+constexpr int kLargeTextBytes = 1 << 20;
 constexpr char kSeeHelp[] = "; see mailengine --help";
 
 int Fail(const std::string& text, int status) {
@@ -83,6 +85,8 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Left alone, libc learns from the first large text that it frees to keep the next ones.
+    mallopt(M_MMAP_THRESHOLD, kLargeTextBytes);
     if (!OpenMissingStandardFiles()) return kExitFailed;
     // The user's language, and the characters for what libc says in it; numbers and dates stay those of protocols.
     std::setlocale(LC_CTYPE, "");

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <hostkit/gateway/entities/Addresses.h>
 #include <hostkit/gateway/entities/Fields.h>
 #include <hostkit/gateway/entities/ParserOptions.h>
@@ -81,12 +82,26 @@ void Collect(InternetAddressList* list, std::vector<Mailbox>& mailboxes) {
     }
 }
 
+// What of a field can be worth reading: GMime makes an object of some hundred bytes of each address. Names may hold
+// commas too.
+std::string_view HeadOf(std::string_view raw) {
+    constexpr std::size_t kMostCommas = 4 * kMaxAddresses;
+    std::size_t at = 0;
+    for (std::size_t commas = 0; commas < kMostCommas && at != std::string_view::npos; ++commas)
+        at = raw.find_first_of(",;", at + 1);
+    return raw.substr(0, at);
+}
+
 }  // namespace
 
-void ReadAddresses(std::string_view raw, std::string_view letter, std::vector<Mailbox>& mailboxes) {
-    const std::string field = GroupGuard::Guard(DecodeWords(Unfold(raw), Words::Parts, letter));
+bool ReadAddresses(std::string_view raw, std::string_view letter, std::vector<Mailbox>& mailboxes) {
+    const std::string_view read = HeadOf(raw);
+    const std::string field = GroupGuard::Guard(DecodeWords(Unfold(read), Words::Parts, letter));
     const AddressList list(internet_address_list_parse(Options(), field.c_str()), &g_object_unref);
     if (list) Collect(list.get(), mailboxes);
+    const bool areAll = read.size() == raw.size() && mailboxes.size() <= kMaxAddresses;
+    if (!areAll) mailboxes.resize(std::min(mailboxes.size(), kMaxAddresses));
+    return areAll;
 }
 
 }  // namespace hostkit::gateway

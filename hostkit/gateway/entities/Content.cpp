@@ -20,9 +20,11 @@ std::string Parameter(GMimeParamList* list, const ExtendedParameters& extended, 
     return value == nullptr ? "" : DecodeWords(extended.Value(name, value), Words::Text);
 }
 
+constexpr std::size_t kMostFieldBytes = 256 * 1024;  // a hundred times what programs write
+
 // Some programs put a whole field into words, its structure too.
 std::string TextFor(const Field& field) {
-    const std::string value = Unfold(field.raw);
+    const std::string value = Unfold(field.raw.substr(0, kMostFieldBytes));
     return DecodeWords(value, value.starts_with("=?") ? Words::Text : Words::Parts);
 }
 

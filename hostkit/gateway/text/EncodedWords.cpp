@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gmime/gmime.h>
 #include <hostkit/gateway/text/Charsets.h>
 #include <hostkit/gateway/text/Detection.h>
@@ -106,7 +107,10 @@ private:
 }  // namespace
 
 std::string DecodeWords(std::string_view raw, Words words, std::string_view letter) {
-    const std::string value = RawToUtf8(raw, letter);
+    const bool isPlain =
+        std::all_of(raw.begin(), raw.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80 && c != '\x1b'; });
+    std::string room = isPlain ? "" : RawToUtf8(raw, letter);
+    const std::string_view value = isPlain ? raw : room;
     std::string decoded;
     Context context;
     std::size_t done = 0;
@@ -117,7 +121,7 @@ std::string DecodeWords(std::string_view raw, Words words, std::string_view lett
             at += 2;
             continue;
         }
-        const std::string_view before = std::string_view(value).substr(done, at - done);
+        const std::string_view before = value.substr(done, at - done);
         decoded += before;
         context.Pass(before);
         const std::string text = RunOfWords(value, *word, done);
@@ -129,6 +133,7 @@ std::string DecodeWords(std::string_view raw, Words words, std::string_view lett
             decoded += '"' + Escaped(text) + '"';
         at = done;
     }
+    if (done == 0 && !room.empty()) return room;
     return decoded.append(value, done);
 }
 

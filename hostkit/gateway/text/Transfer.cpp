@@ -51,10 +51,13 @@ bool IsCleanBase64(std::string_view text, LineEnds ends) {
     return true;
 }
 
+bool IsEncoding(GMimeContentEncoding encoding) {
+    return encoding == GMIME_CONTENT_ENCODING_BASE64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE ||
+           encoding == GMIME_CONTENT_ENCODING_UUENCODE;
+}
+
 std::string DecodeTransfer(std::string_view text, GMimeContentEncoding encoding) {
-    if (encoding != GMIME_CONTENT_ENCODING_BASE64 && encoding != GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE &&
-        encoding != GMIME_CONTENT_ENCODING_UUENCODE)
-        return std::string(text);
+    if (!IsEncoding(encoding)) return std::string(text);
     if (encoding == GMIME_CONTENT_ENCODING_BASE64 && !text.empty() && IsCleanBase64(text, LineEnds::Any))
         return DecodeCleanBase64(text);
     GMimeEncoding decoder;

@@ -7,8 +7,11 @@
 
 namespace hostkit::gateway {
 
-// The bytes that were encoded; what is no part of the encoding is passed over. Any encoding but Base64,
-// quoted-printable and uuencode leaves the bytes as they are.
+// Whether it changes bytes: Base64, quoted-printable and uuencode do.
+bool IsEncoding(GMimeContentEncoding encoding);
+
+// The bytes that were encoded; what is no part of the encoding is passed over. Any that is no encoding leaves
+// the bytes as they are.
 std::string DecodeTransfer(std::string_view text, GMimeContentEncoding encoding);
 
 enum class LineEnds { Crlf, Any };

@@ -315,6 +315,14 @@ class GatewayTest(unittest.TestCase):
         text = "".join(chr(0x20000 + i) for i in range(2000))
         (result,) = read(raw(text.encode(), "text/plain; charset=utf-8"))
         self.assertEqual((squeezed(result["body"]), result["replaced"]), (text[:1880] + "〓" * 120, 120))
+        for count, warnings in (10000, []), (10001, ["addresses in Cc are left out; it has more than 10000"]):
+            (result,) = read(b"Cc: " + b"a@b," * (count - 1) + b"a@b\n\n")
+            self.assertEqual((len(result["cc"]), result["warnings"]), (10000, warnings))
+
+    def test_a_long_text_comes_whole(self):
+        texts = [lead + text * 300000 for lead in ("", "x", "xy") for text in ("あ", "😀あ", "あ\r\n")]
+        for text, result in zip(texts, read(*[raw(text.encode(), "text/plain; charset=utf-8") for text in texts])):
+            self.assertEqual(result["body"].strip(), text.strip())
 
     def test_costs_no_more_than_the_message_is_long(self):
         deep = b"".join(b"Content-Type: multipart/mixed; boundary=b%d\n\n--b%d\n" % (i, i) for i in range(3000))
