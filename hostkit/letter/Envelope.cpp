@@ -1,8 +1,8 @@
 #include <charconv>
 #include <cstring>
+#include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
-#include <hostkit/letter/Attachment.h>
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/Envelope.h>
 #include <set>
@@ -110,12 +110,13 @@ void CheckEnvelope(const CMailDoc& doc) {
 }
 
 std::uint64_t MessageBytes(CMailDoc& doc) {
-    CheckAttachedMails(doc);
+    const CarriedFiles carried(doc, Copied::Needed);
     const BlindCopies blind(doc);
     CountingStream size;
     CProgressCallback progress("", 0, nullptr);
     CString error;
-    if (!CEMailWriter(&size, doc, progress).Write(error)) throw Failure(FailureKind::Input, {}, OneLine(error));
+    if (!CEMailWriter(&size, doc, progress).Write(error))
+        throw Failure(FailureKind::Input, {}, carried.InUsersNames(OneLine(error)));
     return size.Bytes();
 }
 

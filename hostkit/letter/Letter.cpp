@@ -1,5 +1,5 @@
+#include <hostkit/attachments/Attachment.h>
 #include <hostkit/letter/Addresses.h>
-#include <hostkit/letter/Attachment.h>
 #include <hostkit/letter/Letter.h>
 #include <new>
 

@@ -1,10 +1,9 @@
 #include <cstring>
 #include <filesystem>
+#include <hostkit/attachments/Attachment.h>
+#include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/files/MessageFile.h>
-#include <hostkit/letter/Attachment.h>
-#include <hostkit/letter/AttachmentCopies.h>
-#include <hostkit/letter/AttachmentWatch.h>
 #include <hostkit/letter/ProgressOperation.h>
 #include <hostkit/letter/SaveLetter.h>
 
@@ -39,19 +38,22 @@ std::string WarningFor(const CMailDoc& doc) {
     return "the subject is one line of " + std::to_string(line) + " bytes; servers may refuse more than 998";
 }
 
+std::string Joined(const std::string& one, const std::string& other) {
+    return one.empty() || other.empty() ? one + other : one + "; " + other;
+}
+
 // The writer's text asks whether an attachment was moved. The system says more of a file that it does not give.
-[[noreturn]] void ThrowReason(const CMailDoc& doc, const CString& error) {
-    CheckAttachments(doc);
-    throw Failure(FailureKind::Input, {}, OneLine(error));
+[[noreturn]] void ThrowReason(const CarriedFiles& carried, const CString& error) {
+    carried.CheckReadable();
+    throw Failure(FailureKind::Input, {}, carried.InUsersNames(OneLine(error)));
 }
 
 // The new file goes with its target, so nothing stays of a message that was cancelled.
 Outcome Save(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     CheckAreNotTarget(doc, target);
-    CheckAttachedMails(doc);
-    const std::string warning = WarningFor(doc);
-    const AttachmentCopies copies(doc, Copied::Unsized);
-    const AttachmentWatch watch(doc);
+    const CarriedFiles carried(doc, Copied::Needed);
+    const AttachmentWatch watch = carried.Watch();
+    const std::string warning = Joined(carried.Warning(), WarningFor(doc));
     WatchedStream stream(target.Open(), watch);
     ProgressOperation operation("保存中", doc.GetMailSize(), progress);
     CString error;
@@ -61,7 +63,7 @@ Outcome Save(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
         return {Outcome::State::Cancelled, "cancelled; the mail was not written", target.Name()};
     target.CheckWritten();
     watch.Check();
-    if (!written) ThrowReason(doc, error);
+    if (!written) ThrowReason(carried, error);
     Outcome done{Outcome::State::Done, warning, target.Name()};
     target.Commit();  // nothing may fail behind it
     return done;

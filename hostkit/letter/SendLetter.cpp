@@ -1,5 +1,5 @@
-#include <hostkit/letter/Attachment.h>
-#include <hostkit/letter/AttachmentCopies.h>
+#include <hostkit/attachments/Attachment.h>
+#include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/DeliveryWords.h>
 #include <hostkit/letter/Envelope.h>
@@ -17,9 +17,9 @@ Outcome NotDone(Outcome::State state, const Failure& failure) {
     return {state, failure.what(), {}, failure};
 }
 
-Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc) {
-    if (result.outcome == CMailSendRecv::kTaken) return {};
-    const std::string reason = ReasonOf(result, doc);
+Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc, const CarriedFiles& carried) {
+    if (result.outcome == CMailSendRecv::kTaken) return {Outcome::State::Done, carried.Warning()};
+    const std::string reason = carried.InUsersNames(ReasonOf(result, doc));
     if (result.outcome == CMailSendRecv::kUnknown)
         return NotDone(Outcome::State::Unknown,
                        {FailureKind::Delivery, {}, "the server may have taken the mail: " + reason});
@@ -35,14 +35,13 @@ Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc) {
 Outcome SendLetter(CMailDoc& doc, const Progress& progress) {
     try {
         CheckEnvelope(doc);
-        CheckAttachedMails(doc);
         CheckAttachments(doc);
-        const AttachmentCopies copies(doc, Copied::All);
+        const CarriedFiles carried(doc, Copied::All);
         const BlindCopies blind(doc);
         ProgressOperation operation("送信中", doc.GetMailSize(), progress);
         const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, blind.Recipients(), operation.Engine());
         if (result.outcome == CMailSendRecv::kTaken) operation.Complete();
-        return OutcomeOf(result, doc);
+        return OutcomeOf(result, doc, carried);
     } catch (const Failure& failure) {
         return NotDone(Outcome::State::Failed, failure);
     }

@@ -10,6 +10,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import unicodedata
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "scripts"))
@@ -26,9 +27,14 @@ class WriteTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
         self.out = self.folder / "out.eml"
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        os.chmod(temporary.name, 0o777)
+        self.temporary = pathlib.Path(temporary.name)
 
     def run_it(self, *arguments, **options):
-        options = {"stdin": subprocess.DEVNULL, "capture_output": True, "cwd": self.folder} | options
+        options = {"stdin": subprocess.DEVNULL, "capture_output": True, "cwd": self.folder,
+                   "env": os.environ | {"TMPDIR": str(self.temporary)}} | options
         return subprocess.run([COMMAND, *arguments], **options)
 
     def write(self, *arguments, **options):
@@ -62,13 +68,37 @@ class WriteTest(unittest.TestCase):
                 self.assertEqual(b"standard" in result.stderr, status == 1, result.stderr)
         self.assertEqual(Message(self.out.read_bytes()).attachments(), [("empty", b"")])
 
-    def test_an_attached_mail_with_a_nul_is_refused_before_anything_is_written(self):
-        self.out.write_bytes(b"old")
-        (self.folder / "in.eml").write_bytes(b"x" * 70000 + b"\0" + b"x" * 3000)
-        self.assert_fails(self.write("--attach", "in.eml", "-o", "out.eml"), 1, "--attach in.eml: ", "NUL at byte 70000,")
-        self.assert_fails(self.run_it("send", "--server", "h", "--from", "a@b", "--to", "c@d", "--attach", "in.eml",
-                                      "--dry-run"), 1, "NUL at byte 70000,")
-        self.assertEqual(self.out.read_bytes(), b"old")
+    def test_an_attached_mail_is_one_or_else_a_file(self):
+        top = b"Subject: s\nMIME-Version: 1.0\n\n"
+        for data, fault in ((top + b"x\n", None), (top.replace(b"\n", b"\r\n") + b"x", None), (b"a\r\rb\n\r\nc" + b"\n" * 70000, None),
+                            (top + b"x" * 998 + b"\n", None), (top + b"x" * 999, "998 bytes in line 4, at byte 1028"),
+                            (b"x" * 70000 + b"\0", "998 bytes in line 1, at byte 998"), (top + b"\0", "a NUL in line 4, at byte 30"),
+                            (top + "件".encode(), "a byte above 7F in line 4, at byte 30")):
+            with self.subTest(data=data[:40], fault=fault):
+                (self.folder / "in.eml").write_bytes(data)
+                result = self.write("--attach", "in.eml", "-o", "-")
+                if fault:
+                    self.assert_fails(result, 0, "warning: in.eml is attached as the file in.EML", fault)
+                    self.assertEqual(Message(result.stdout).attachments(), [("in.EML", data)])
+                else:
+                    self.assertEqual(result.stderr, b"")
+                    self.assertIn(b"\r\n\r\n" + re.sub(b"\r\n|\r|\n", b"\r\n", data) + b"\r\n--", result.stdout)
+
+    def test_names_that_code_page_932_lacks_are_carried(self):
+        far = self.folder / "😀 𠮷" / "か\\"
+        far.mkdir(parents=True)
+        names = {"4月〜6月①.txt": "4月～6月①.txt", unicodedata.normalize("NFD", "ガイド.pdf"): "ガイド.pdf", "神﨑髙①.txt": "神﨑髙①.txt"}
+        for i, name in enumerate(names):
+            (far / name).write_bytes(b"%d" % i)
+            (self.folder / name).write_bytes(b"top")
+        mail = self.written(*(f"--attach={folder / name}" for folder in (far, self.folder) for name in names))
+        self.assertEqual(mail.attachments(), [(name, b"%d" % i) for i, name in enumerate(names.values())] +
+                         [(name, b"top") for name in names.values()])
+        self.assertEqual(os.listdir(self.temporary), [])
+        name = next(iter(names))
+        with open(far / name) as file:
+            fcntl.flock(file, fcntl.LOCK_EX)
+            self.assert_fails(self.write("--attach", far / name, "-o", "-"), 1, f"--attach {far / name}: is locked")
 
     def test_help_on_every_level(self):
         for arguments, word in ((["--help"], b"write"), (["write", "--help"], b"--body-file"), (["help"], b"subject"),
@@ -100,7 +130,8 @@ class WriteTest(unittest.TestCase):
         (self.folder / "sjis").write_bytes(b"\x93\xfa")
         (self.folder / 'a".txt').touch()
         (self.folder / "a\n.txt").touch()
-        (self.folder / "〜.txt").touch()
+        (self.folder / "😀.txt").touch()
+        (self.folder / os.fsdecode(b"\xff")).touch()
         os.mkfifo(self.folder / "fifo")
         for arguments, words in (
             (["--subject", "件名😀"], ["--subject", "line 1, column 3", "😀", "--replace"]),
@@ -119,9 +150,11 @@ class WriteTest(unittest.TestCase):
             (["--to", '"a@b"@e.jp.'], ["a last dot stands behind"]), (["--to", "t@.jp"], ["a dot stands behind 't@'"]),
             (["--to", "mailto:a@b?cc=c@d"], ["'?'"]), (["--to", "mailto:a%0Db@c"], ["one line"]),
             (["--attach", "none"], ["--attach none", "No such file"]),
-            (["--attach", "."], ["regular file"]), (["--attach", "fifo"], ["regular file"]),
+            (["--attach", "."], ["--attach .: is a folder"]), (["--attach", "no/x"], ["the folder no cannot be reached"]),
+            (["--attach", "fifo"], ["regular file"]),
             (["--attach", 'a".txt'], ["double quote"]), (["--attach", "a\n.txt"], ["a\\x0A.txt", "control"]),
-            (["--attach", "〜.txt"], ["〜"]),
+            (["--attach", "😀.txt"], ["--attach 😀.txt: its name: 😀 (U+1F600)", "another name"]),
+            (["--attach", os.fsdecode(b"\xff")], ["its name is not UTF-8"]),
         ):
             with self.subTest(arguments):
                 self.assert_fails(self.write(*arguments, "-o", self.out), 1, *words)

@@ -1,10 +1,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <hostkit/attachments/AttachmentWatch.h>
 #include <hostkit/characters/Failure.h>
-#include <hostkit/letter/AttachmentWatch.h>
-
-#include <mailengine/support/platform/files/Path.h>
+#include <hostkit/characters/Words.h>
 
 namespace hostkit {
 
@@ -21,16 +20,14 @@ bool IsSame(const struct stat& one, const struct stat& other) {
 
 void RefuseChanged(const std::string& path) {
     throw Failure(FailureKind::Input, {Field::Attachment, path},
-                  "was changed while it was read; attach it when it is done");
+                  Words("was changed while it was read; attach it when it is done"));
 }
 
-AttachmentWatch::AttachmentWatch(const CMailDoc& doc) {
-    std::vector<CMailDoc::FileInfo> files;
-    doc.GetFiles(files);
-    for (const CMailDoc::FileInfo& file : files) {
-        Watched watched{platform::ToNativePath(file.Path), {}};
-        if (stat(watched.path.c_str(), &watched.status) != 0)
-            throw Failure(FailureKind::Input, {Field::Attachment, watched.path}, std::strerror(errno));
+AttachmentWatch::AttachmentWatch(const std::vector<File>& files) {
+    for (const File& file : files) {
+        Watched watched{file, {}};
+        if (stat(file.path.c_str(), &watched.status) != 0)
+            throw Failure(FailureKind::Input, {Field::Attachment, file.shown}, SystemWords(errno));
         m_files.push_back(std::move(watched));
     }
 }
@@ -39,14 +36,14 @@ AttachmentWatch::AttachmentWatch(const CMailDoc& doc) {
 std::uint64_t AttachmentWatch::ContentBytes() const {
     std::uint64_t bytes = 0;
     for (const Watched& file : m_files)
-        bytes += static_cast<std::uint64_t>(file.status.st_size) * (file.path.ends_with(".eml") ? 3 : 4) / 3;
+        bytes += static_cast<std::uint64_t>(file.status.st_size) * (file.file.path.ends_with(".eml") ? 3 : 4) / 3;
     return bytes;
 }
 
 const AttachmentWatch::Watched* AttachmentWatch::FirstChanged() const {
     const auto changed = std::find_if(m_files.begin(), m_files.end(), [](const Watched& file) {
         struct stat now;
-        return stat(file.path.c_str(), &now) != 0 || !IsSame(now, file.status);
+        return stat(file.file.path.c_str(), &now) != 0 || !IsSame(now, file.status);
     });
     return changed == m_files.end() ? nullptr : &*changed;
 }
@@ -56,7 +53,7 @@ bool AttachmentWatch::HasChanged() const {
 }
 
 void AttachmentWatch::Check() const {
-    if (const Watched* const changed = FirstChanged(); changed != nullptr) RefuseChanged(changed->path);
+    if (const Watched* const changed = FirstChanged(); changed != nullptr) RefuseChanged(changed->file.shown);
 }
 
 int WatchedStream::WriteString(const char* text) {

@@ -8,15 +8,18 @@
 #include <sys/stat.h>
 #include <vector>
 
-#include <mailengine/model/MailDoc.h>
 #include <mailengine/writer/OutputStream.h>
 
 namespace hostkit {
 
 class AttachmentWatch {
 public:
+    struct File {
+        std::string path;   // what is read
+        std::string shown;  // what the user calls it
+    };
     // Takes the sizes and times that hold. Throws Failure for a file that is gone.
-    explicit AttachmentWatch(const CMailDoc& doc);
+    explicit AttachmentWatch(const std::vector<File>& files);
 
     // What the files make in a message, less than the whole of it.
     std::uint64_t ContentBytes() const;
@@ -26,7 +29,7 @@ public:
 
 private:
     struct Watched {
-        std::string path;
+        File file;
         struct stat status;
     };
     const Watched* FirstChanged() const;
