@@ -18,18 +18,18 @@ help:
 
 demo:
 	@scripts/setup demo
-	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF
+	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF -DMAILENGINE_BUILD_DESKTOP=OFF
 	@$(BUILD) release
 	@scripts/demo
 
 test:
-	@scripts/setup test
-	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=ON
+	@scripts/setup desktop test
+	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=ON -DMAILENGINE_BUILD_DESKTOP=ON
 	@$(BUILD) release
 	@$(TEST) release
 
 sanitize:
-	@scripts/setup test
+	@scripts/setup desktop test
 	@$(CONFIGURE) sanitize
 	@$(BUILD) sanitize
 	@$(TEST) sanitize
@@ -50,7 +50,7 @@ format:
 	@scripts/sources | xargs clang-format-14 -i
 
 lint:
-	@scripts/setup lint
+	@scripts/setup desktop lint
 	@$(CONFIGURE) lint
 	@scripts/lint
 

@@ -13,6 +13,13 @@ if(MAILENGINE_BUILD_HOSTKIT)
   list(APPEND pkgconfig_names mailengine-hostkit)
 endif()
 
+if(MAILENGINE_BUILD_DESKTOP)
+  install(TARGETS mailengine-desktop EXPORT mailengine-targets
+          FILE_SET HEADERS
+          INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  list(APPEND pkgconfig_names mailengine-desktop)
+endif()
+
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/mailengine)
 install(EXPORT mailengine-targets NAMESPACE mailengine:: FILE mailengine-config.cmake DESTINATION ${package_dir})
 write_basic_package_version_file(mailengine-config-version.cmake COMPATIBILITY SameMinorVersion)

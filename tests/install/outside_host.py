@@ -41,14 +41,25 @@ def check_headers(include, umbrella):
     reached = {word[len(f"{include}/"):] for word in rule.split() if word.startswith(f"{include / folder}/")}
     assert reached == installed, reached ^ installed
     for header in pathlib.Path(args.source, folder).rglob("*.h"):
-        exports = re.search(" (MAILENGINE|HOSTKIT)_API ", header.read_text(encoding="utf-8"))
+        exports = re.search(" (MAILENGINE|HOSTKIT|DESKTOP)_API ", header.read_text(encoding="utf-8"))
         assert not exports or header.relative_to(args.source).as_posix() in installed, header
 
 
+# Without a started toolkit nothing is drawn.
+DESKTOP = """#include <desktop/desktop.h>
+int main() {
+    desktop::ToolkitWindows windows;
+    CWindowSystem::Install(&windows);
+    return windows.MessageBox(nullptr, "", "", MB_OK) != IDOK;
+}
+"""
+
+
 def build_with_cmake(scratch, prefix):
-    """The folder of all programs: mailengine, and hostkit-1 to hostkit-5."""
+    """The folder of all programs: mailengine, desktop, and hostkit-1 to hostkit-5."""
     host = scratch / "host"
     host.mkdir()
+    (host / "desktop.cpp").write_text(DESKTOP, encoding="utf-8")
     (host / "mailengine.cpp").write_text("\n".join(programs("README.md")), encoding="utf-8")
     for number, program in enumerate(programs("docs/hostkit.md"), 1):
         (host / f"hostkit-{number}.cpp").write_text(program, encoding="utf-8")
@@ -63,7 +74,8 @@ def build_with_pkg_config(scratch, prefix):
     folder = scratch / "by-pkg-config"
     folder.mkdir()
     pkgconfig = next(prefix.rglob("mailengine.pc")).parent
-    for package, program in ("mailengine", "mailengine"), ("mailengine-hostkit", "hostkit-1"):
+    for package, program in ("mailengine", "mailengine"), ("mailengine-hostkit", "hostkit-1"), \
+            ("mailengine-desktop", "desktop"):
         flags = run("pkg-config", "--cflags", "--libs", package, capture_output=True,
                     env={**os.environ, "PKG_CONFIG_PATH": str(pkgconfig)}).stdout.split()
         run(args.cxx, "-std=c++20", scratch / "host" / f"{program}.cpp", *flags, f"-Wl,-rpath,{pkgconfig.parent}",
@@ -81,6 +93,10 @@ def check_readme(programs, work):
     assert message.subject() == "議事録", message.subject()
     assert message.addresses("To") == [("田中", "tanaka@example.jp")], message.addresses("To")
     assert message.body() == "議事録をお送りします。\r\n", repr(message.body())
+
+
+def check_desktop(programs, work):
+    run(programs / "desktop", cwd=work)
 
 
 def check_saving(programs, work):
@@ -149,8 +165,9 @@ with tempfile.TemporaryDirectory() as folder:
     run(args.cmake, "--install", args.build, "--prefix", prefix, stdout=subprocess.DEVNULL)
     check_headers(prefix / "include", "mailengine/mailengine.h")
     check_headers(prefix / "include", "hostkit/hostkit.h")
-    every = (check_readme, check_saving, check_opening, check_answering, check_sending, check_text)
-    for build, checks in (build_with_cmake, every), (build_with_pkg_config, every[:2]):
+    check_headers(prefix / "include", "desktop/desktop.h")
+    every = (check_readme, check_desktop, check_saving, check_opening, check_answering, check_sending, check_text)
+    for build, checks in (build_with_cmake, every), (build_with_pkg_config, every[:3]):
         built = build(scratch, prefix)
         work = scratch / build.__name__
         work.mkdir()

@@ -51,11 +51,14 @@ public:
     // The control of that dialog with that number. Null: the system has no such control, and nothing about it is
     // asked any more. The handle goes with the dialog.
     virtual HWND GetControl(HWND dialog, int id) = 0;
-    // Takes the window and its controls off the screen; its handles, and messages that still wait for it, are gone.
+    // Takes the window and its controls off the screen, and gives the keyboard back to who had it before; the handles,
+    // and messages that still wait for it, are gone. A toolkit may delete the objects later, as long as nothing is
+    // delivered from them any more. The parent was enabled before.
     // The library has run the window's destroy handler before, so the system need not deliver the notice here.
     virtual void DestroyWindow(HWND window) = 0;
-    // SW_HIDE hides a window or control, any other state shows it. What was shown should be painted at once, since
-    // the library may be busy for a while.
+    // SW_HIDE hides a window or control, any other state shows it. A dialog that was shown takes the keyboard. It
+    // should be painted at once, since the library may be busy for a while; where a display maps windows in its own
+    // time, as soon as messages are pumped.
     virtual void ShowWindow(HWND window, int state) = 0;
     // 0: the window takes no key and no click until it is enabled again. Not 0: it does. Calls do not add up.
     virtual void EnableWindow(HWND window, int enable) = 0;
@@ -67,13 +70,15 @@ public:
     // return at once if nothing changes on the screen, and paint at once if something does.
     virtual void SetProgressPosition(HWND bar, int position) = 0;
 
-    // Not 0: a message waits for this thread, and PumpMessage would take it. Must not block; the library goes on
-    // pumping for as long as this says so.
+    // Not 0: a message waits for this thread, and PumpMessage would take it. Must not block. Asked some thousand times
+    // a second while a mail is written: a system to which a look costs time looks each few milliseconds, and says no in
+    // between. The library goes on pumping for as long as this says so: where idle work counts among the messages and
+    // a handler may ask for more of it without an end, say no some time all the same.
     virtual int MessageWaits() = 0;
     // Takes one waiting message and dispatches it; waits for one if there is none. 0: the program is to end.
     virtual int PumpMessage() = 0;
     // Work for idle times (updating menus, deleting what was put off). count is how often it was called since the
-    // last message. Not 0: it wants to be called again.
+    // last message. It may be passed over when it was done a few milliseconds ago. Not 0: it wants to be called again.
     virtual int OnIdle(int count) = 0;
 
     // Shows the text until the user answers. owner may be null. style: an MB_ value. The result is the button
