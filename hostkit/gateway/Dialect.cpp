@@ -65,15 +65,15 @@ public:
     Multipart(std::string_view text, std::size_t bodyTop, const std::string& boundary)
         : m_text(text), m_delimiter("\r\n--" + boundary), m_at(bodyTop - 2) {}
 
-    // Takes the parts. false: a delimiter is missing, or one line is not quite one.
-    bool Split(std::vector<std::string_view>& parts) {
+    // Takes the parts, of which left more are allowed. false: a delimiter is missing, or one line is not quite one.
+    bool Split(std::vector<std::string_view>& parts, std::size_t& left) {
         std::size_t top = std::string_view::npos;
         for (;;) {
             const std::size_t found = FindDelimiter(m_at);
             if (found == std::string_view::npos) return false;
             if (top == std::string_view::npos && !IsCleanPreamble(m_text.substr(m_at, found - m_at))) return false;
             if (top != std::string_view::npos) {
-                if (found < top) return false;
+                if (found < top || left-- == 0) return false;
                 parts.push_back(m_text.substr(top, found - top));
             }
             const std::string_view behind = m_text.substr(found + m_delimiter.size(), 2);
@@ -102,7 +102,13 @@ private:
     std::size_t m_at;
 };
 
-bool IsMessage(std::string_view message, int depth);
+// How far a message may go: mails in one another, and parts of all of them.
+struct Room {
+    int depth = 0;
+    std::size_t parts;
+};
+
+bool IsMessage(std::string_view message, Room& room);
 
 struct Block {
     Header header;
@@ -116,9 +122,9 @@ bool ReadBlock(std::string_view text, Block& block) {
            ReadDialectContent(block.header, block.content);
 }
 
-bool IsAlternative(std::string_view text, const Block& block) {
+bool IsAlternative(std::string_view text, const Block& block, Room& room) {
     std::vector<std::string_view> parts;
-    if (!Multipart(text, block.bodyTop, block.content.boundary).Split(parts)) return false;
+    if (!Multipart(text, block.bodyTop, block.content.boundary).Split(parts, room.parts)) return false;
     int texts = 0;
     for (const std::string_view part : parts) {
         Block inner;
@@ -133,10 +139,13 @@ bool IsAlternative(std::string_view text, const Block& block) {
     return texts == 1;
 }
 
-bool IsAttachedMail(const Block& block, std::string_view mail, int depth) {
+bool IsAttachedMail(const Block& block, std::string_view mail, Room& room) {
     const std::string& encoding = block.content.encoding;
-    if (encoding == "base64" || encoding == "quoted-printable" || depth >= kMaxAttachedMails) return false;
-    return IsMessage(mail, depth + 1);
+    if (encoding == "base64" || encoding == "quoted-printable" || room.depth >= kMaxAttachedMails) return false;
+    ++room.depth;
+    const bool isInside = IsMessage(mail, room);
+    --room.depth;
+    return isInside;
 }
 
 bool IsAttachment(const Block& block, std::string_view data) {
@@ -146,9 +155,9 @@ bool IsAttachment(const Block& block, std::string_view data) {
     return IsCleanData(data, content.encoding);
 }
 
-bool IsMixed(std::string_view text, const Block& block, int depth) {
+bool IsMixed(std::string_view text, const Block& block, Room& room) {
     std::vector<std::string_view> parts;
-    if (!Multipart(text, block.bodyTop, block.content.boundary).Split(parts)) return false;
+    if (!Multipart(text, block.bodyTop, block.content.boundary).Split(parts, room.parts)) return false;
     int texts = 0;
     for (const std::string_view part : parts) {
         Block inner;
@@ -156,9 +165,9 @@ bool IsMixed(std::string_view text, const Block& block, int depth) {
         const DialectContent& content = inner.content;
         const std::string_view body = part.substr(inner.bodyTop);
         if (content.type == "multipart/alternative") {
-            if (++texts > 1 || !IsAlternative(part, inner)) return false;
+            if (++texts > 1 || !IsAlternative(part, inner, room)) return false;
         } else if (content.type == "message/rfc822") {
-            if (!IsAttachedMail(inner, body, depth)) return false;
+            if (!IsAttachedMail(inner, body, room)) return false;
         } else if (content.type == "text/plain" && content.name.empty()) {
             const bool isLetter = !content.isAttachment && !content.isNamedOtherwise;
             if (++texts > 1 || !isLetter || !IsCleanText(body, content)) return false;
@@ -169,14 +178,14 @@ bool IsMixed(std::string_view text, const Block& block, int depth) {
     return true;
 }
 
-bool IsMessage(std::string_view message, int depth) {
+bool IsMessage(std::string_view message, Room& room) {
     Block block;
     if (!ReadBlock(message, block) || block.header.Find("MIME-Version") == nullptr) return false;
-    if (depth > 0 && block.header.Find("Subject") == nullptr) return false;  // an attached mail is named by it
+    if (room.depth > 0 && block.header.Find("Subject") == nullptr) return false;  // an attached mail is named by it
     const DialectContent& content = block.content;
     if (content.type.starts_with("multipart/") && content.boundary.empty()) return false;
-    if (content.type == "multipart/mixed") return IsMixed(message, block, depth);
-    if (content.type == "multipart/alternative") return IsAlternative(message, block);
+    if (content.type == "multipart/mixed") return IsMixed(message, block, room);
+    if (content.type == "multipart/alternative") return IsAlternative(message, block, room);
     const std::string_view body = message.substr(block.bodyTop);
     return content.type == "text/plain" && content.name.empty() && !content.isNamedOtherwise && !content.isAttachment &&
            !BeginsLikeField(body) && IsCleanText(body, content);
@@ -190,8 +199,9 @@ bool HasCrlfLines(std::string_view text) {
     return true;
 }
 
-bool IsInDialect(std::string_view message) {
-    return IsMessage(message, 0);
+bool IsInDialect(std::string_view message, std::size_t maxParts) {
+    Room room{.parts = maxParts};
+    return IsMessage(message, room);
 }
 
 }  // namespace hostkit::gateway

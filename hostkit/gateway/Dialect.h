@@ -7,8 +7,9 @@
 
 namespace hostkit::gateway {
 
-// message ends its lines by CRLF. false is always safe: such a message is rewritten.
-bool IsInDialect(std::string_view message);
+// message ends its lines by CRLF. false is always safe: such a message is rewritten. One of more than so many parts,
+// with those of the mails attached to it, is outside.
+bool IsInDialect(std::string_view message, std::size_t maxParts);
 
 // Whether each line end of text is a CRLF; a bare CR counts as text.
 bool HasCrlfLines(std::string_view text);

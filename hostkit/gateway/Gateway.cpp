@@ -102,6 +102,7 @@ void Rewrite(std::string_view text, const GatewayLimits& limits, Passed& passed)
     if (!passed.refusal.empty()) return;
     passed.message = writer.Take();
     passed.changed = true;
+    passed.mayHoldFiles = !passed.files.empty();
     passed.alternatives = std::move(reading.alternatives);
     std::move(reading.notices.begin(), reading.notices.end(), std::back_inserter(passed.notices));
     const std::size_t replaced = passed.characters.Replaced();
@@ -120,17 +121,26 @@ std::string WithCrlf(std::string_view text) {
     return lines;
 }
 
+bool IsMultipart(std::string_view type) {
+    constexpr std::string_view kMultipart = "multipart/";
+    const std::size_t top = std::min(type.find_first_not_of(" \t\r\n"), type.size());
+    return EqualNames(type.substr(top, kMultipart.size()), kMultipart);
+}
+
 // Takes a message of the dialect over. Stores of this system end lines by LF alone, which is no difference.
 bool PassAsItIs(std::string& message, const GatewayLimits& limits, Passed& passed) {
     if (message.find('\r') == std::string::npos) {
         std::string lines = WithCrlf(message);
-        if (lines.size() > limits.bytes || !IsInDialect(lines)) return false;
+        if (lines.size() > limits.bytes || !IsInDialect(lines, limits.parts)) return false;
         message = std::move(lines);
-    } else if (!IsInDialect(message)) {
+    } else if (!IsInDialect(message, limits.parts)) {
         return false;
     }
     std::size_t bodyTop = 0;
-    passed.replyTo = HeaderTexts(ReadHeader(message, bodyTop), "", passed.notices).Addresses("Reply-To");
+    const Header header = ReadHeader(message, bodyTop);
+    passed.replyTo = HeaderTexts(header, "", passed.notices).Addresses("Reply-To");
+    const Field* const type = header.Find("Content-Type");
+    passed.mayHoldFiles = type != nullptr && IsMultipart(type->raw);
     passed.message = std::move(message);
     return true;
 }

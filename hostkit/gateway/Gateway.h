@@ -56,6 +56,7 @@ struct Passed {
     // Whether the message had to be rewritten. If not, it is the one that came, but for its line ends and what an mbox
     // put on top; the engine's values then are code page 932, and what follows is empty, but for replyTo.
     bool changed = false;
+    bool mayHoldFiles = true;      // false: the engine makes no file of it, and needs no folder
     CharacterTable characters;     // what the engine's values are to be read with
     std::vector<Mailbox> replyTo;  // Reply-To, which the engine does not read
     std::vector<PassedFile> files;

@@ -168,9 +168,13 @@ std::string Read(const StoredMail& mail, const fs::path& folder, CMailDoc& doc, 
     std::optional<TargetFolder> target;
     if (!folder.empty()) target.emplace(folder);
     std::optional<WorkFolder> work;
-    const WorkFolder& place = target ? target->Work() : work.emplace();
+    CString place;  // a text alone needs none
+    if (target)
+        place = target->Work().LibraryPath();
+    else if (mail.Gateway().mayHoldFiles)
+        place = work.emplace().LibraryPath();
     MailFault fault;
-    if (!CEMailPerser().Perse(mail.ForParser(), place.LibraryPath(), doc, 0, fault)) return FaultText(fault, folder);
+    if (!CEMailPerser().Perse(mail.ForParser(), place, doc, 0, fault)) return FaultText(fault, folder);
     files = Lister(mail, target ? &*target : nullptr).List(doc);
     if (target) target->Keep();
     return "";

@@ -10,10 +10,15 @@ namespace hostkit {
 
 std::size_t HeaderBytes(std::string_view message) {
     const std::size_t top = std::min(message.find_first_not_of("\r\n"), message.size());
-    std::size_t end = message.size();
-    for (const std::string_view mark : {"\n\n", "\n\r\n", "\r\r"})
-        end = std::min(end, message.substr(0, end).find(mark, top));
-    return end == message.size() ? end : end + 1;
+    const auto endsBlock = [&](std::size_t at) {
+        const std::string_view next = message.substr(at + 1);
+        return next.starts_with('\n') || next.starts_with("\r\n");
+    };
+    std::size_t end = message.find('\n', top);  // not by a search for two line ends, which a long body may lack
+    while (end != std::string_view::npos && !endsBlock(end))
+        end = message.find('\n', end + 1);
+    end = std::min(end, message.substr(0, end).find("\r\r", top));
+    return end == std::string_view::npos ? message.size() : end + 1;
 }
 
 StoredMail::StoredMail(std::string message, bool strict, const std::string& name) : m_isPassed(!strict) {
@@ -33,7 +38,7 @@ void StoredMail::Pass(std::string message) {
 
 std::string StoredMail::Refusal() const {
     if (!m_passed.refusal.empty()) return m_passed.refusal;
-    return !m_passed.changed && HasTooManyParts(m_forParser) ? TooManyPartsText() : "";  // else the gateway counted
+    return !m_isPassed && HasTooManyParts(m_forParser) ? TooManyPartsText() : "";  // else the gateway counted
 }
 
 std::string StoredMail::TextOf(std::string_view value) const {

@@ -48,7 +48,7 @@ bool LooksLikeHeader(std::string_view line) {
 }  // namespace
 
 bool EqualNames(std::string_view a, std::string_view b) {
-    return platform::EqualIgnoringCase(a, b);
+    return a.size() == b.size() && platform::EqualIgnoringCase(a, b);
 }
 
 const Field* Header::Find(std::string_view name) const {

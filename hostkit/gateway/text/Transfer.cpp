@@ -8,14 +8,29 @@ namespace {
 
 // Arithmetic and no table, so that the compiler takes many bytes at once.
 bool AreBase64Letters(std::string_view text) {
-    unsigned others = 0;
+    unsigned char others = 0;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
         const auto letter = static_cast<unsigned char>((byte | 0x20) - 'a');
         const auto digit = static_cast<unsigned char>(byte - '0');
-        others |= static_cast<unsigned>(!((letter < 26) | (digit < 10) | (byte == '+') | (byte == '/')));
+        others |= static_cast<unsigned char>(!((letter < 26) | (digit < 10) | (byte == '+') | (byte == '/')));
     }
     return others == 0;
+}
+
+bool IsCleanLine(std::string_view line, LineEnds ends) {
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    else if (ends == LineEnds::Crlf)
+        return false;
+    return line.size() % 4 == 0 && AreBase64Letters(line);
+}
+
+bool IsCleanLastLine(std::string_view line) {
+    if (line.size() % 4 != 0) return false;
+    for (int i = 0; i < 2 && line.ends_with('='); ++i)
+        line.remove_suffix(1);
+    return AreBase64Letters(line);
 }
 
 // The engine's decoder is ten times as fast as one that looks at each byte.
@@ -34,21 +49,15 @@ std::string DecodeCleanBase64(std::string_view text) {
 
 bool IsCleanBase64(std::string_view text, LineEnds ends) {
     text = text.substr(0, text.find_last_not_of("\r\n") + 1);
-    for (bool last = text.empty(); !last;) {
-        const std::size_t end = text.find('\n');
-        last = end == std::string_view::npos;
-        std::string_view line = text.substr(0, end);
-        if (!last && line.ends_with('\r'))
-            line.remove_suffix(1);
-        else if (!last && ends == LineEnds::Crlf)
-            return false;
-        if (line.size() % 4 != 0) return false;
-        for (int i = 0; last && i < 2 && line.ends_with('='); ++i)
-            line.remove_suffix(1);
-        if (!AreBase64Letters(line)) return false;
-        text.remove_prefix(last ? text.size() : end + 1);
+    std::size_t end = text.size();
+    for (;; text.remove_prefix(end + 1)) {
+        // Most lines are as long as the one before, and need no search.
+        const bool isAsBefore = end < text.size() && text[end] == '\n' && IsCleanLine(text.substr(0, end), ends);
+        if (isAsBefore) continue;
+        end = text.find('\n');
+        if (end == std::string_view::npos) return IsCleanLastLine(text);
+        if (!IsCleanLine(text.substr(0, end), ends)) return false;
     }
-    return true;
 }
 
 bool IsEncoding(GMimeContentEncoding encoding) {

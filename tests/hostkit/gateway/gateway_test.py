@@ -253,14 +253,14 @@ class GatewayTest(unittest.TestCase):
 
     def test_only_what_the_engine_reads_rightly_goes_through(self):
         word = "=?iso-2022-jp?B?GyRCJCIbKEI=?="
-        plain = (f"From: {word} <a@b>\r\nTo: \"P, Q\" <c@d>,\r\n\te@f\r\nSubject: {word}\r\n\t{word}\r\nMIME-Version: 1.0\r\n"
+        plain = (f"From: {word} <a@b>\r\nTo: \"P, \\\"Q\" <c@d>,\r\n\te@f\r\nSubject: {word}\r\n\t{word}\r\nMIME-Version: 1.0\r\n"
                  "Content-Type: text/plain; charset=iso-2022-jp\r\nContent-Transfer-Encoding: 7bit\r\n\r\n\x1b$B$\"\x1b(B\r\n")
         mixed = ("From: a@b\r\nSubject: s\r\nMIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n"
                  "Content-Type: text/plain\r\n\r\ntext\r\n--b\r\nContent-Type: application/pdf; name=\"a.pdf\"\r\n"
                  "Content-Transfer-Encoding: base64\r\n\r\nAAAA\r\n--b--\r\n")
         changes = {plain: [
             ("MIME-Version: 1.0\r\n", ""), ("1.0\r\n", "1.0 (x)\r\n"), ("Subject", "subject: x\r\nSubject"), ("a@b", "a@b (c)"),
-            (word + "\r\n\t", word + " "), ("P, Q", "P\\\" Q"), ("e@f", "g: e@f;"), ("\r\n\te@f", "e@f,"), ("iso-2022-jp?B?", "utf-8?B?"),
+            (word + "\r\n\t", word + " "), ("P, ", "P, \\\\"), ("e@f", "g: e@f;"), ("\r\n\te@f", "e@f,"), ("iso-2022-jp?B?", "utf-8?B?"),
             ("charset=iso-2022-jp", "charset=utf-8"), ("7bit", "x-foo"), ("\x1b(B", ""), ("\x1b$B", "\x1b(I"), ("$\"", "$\"$"),
             ("text/plain;", "text/html;"), ("text/plain;", "text/plain; format=flowed;"), ("charset=", "charset ="),
             ("7bit", "7bit\r\nContent-Disposition: attachment"), ("Content-Type: text/plain; charset=iso-2022-jp\r\n", ""),

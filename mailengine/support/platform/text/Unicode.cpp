@@ -155,14 +155,18 @@ platform::Character platform::CodePageCharacterAt(std::string_view text, std::si
 }
 
 void platform::AppendUtf8(std::string& text, char32_t character) {
-    const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
-    if (character < 0x80) return append(character);
-    int shift = character < 0x800 ? 6 : character < 0x10000 ? 12 : 18;
-    constexpr char32_t kLeads[] = {0xC0, 0xE0, 0xF0};
-    append(kLeads[shift / 6 - 1] | character >> shift);
-    while (shift > 0) {
-        shift -= 6;
-        append(0x80 | (character >> shift & 0x3F));
+    const auto tail = [&](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
+    if (character < 0x80) {
+        text += static_cast<char>(character);
+    } else if (character < 0x800) {
+        const char bytes[] = {static_cast<char>(0xC0 | character >> 6), tail(0)};
+        text.append(bytes, sizeof(bytes));
+    } else if (character < 0x10000) {
+        const char bytes[] = {static_cast<char>(0xE0 | character >> 12), tail(6), tail(0)};
+        text.append(bytes, sizeof(bytes));
+    } else {
+        const char bytes[] = {static_cast<char>(0xF0 | character >> 18), tail(12), tail(6), tail(0)};
+        text.append(bytes, sizeof(bytes));
     }
 }
 
