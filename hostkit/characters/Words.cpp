@@ -3,6 +3,7 @@
 #include <glib.h>
 #include <hostkit/characters/Words.h>
 #include <libintl.h>
+#include <memory>
 #include <string_view>
 
 namespace hostkit {
@@ -66,6 +67,11 @@ std::string detail::Translated(unsigned long count, const char* one, const char*
 
 std::string SystemWords(int error) {
     return g_strerror(error);
+}
+
+std::string FromLocale(const char* text) {
+    const std::unique_ptr<char, decltype(&g_free)> utf8(g_locale_to_utf8(text, -1, nullptr, nullptr, nullptr), &g_free);
+    return utf8 ? utf8.get() : text;
 }
 
 }  // namespace hostkit

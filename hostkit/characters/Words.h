@@ -51,5 +51,7 @@ constexpr const char* Marked(const char* sentence) {
 // What the system says to a value of errno, in the same language and in UTF-8. It is a part of a sentence. A program
 // that sets LC_MESSAGES sets LC_CTYPE too, or libc has no characters for it.
 HOSTKIT_API std::string SystemWords(int error);
+// What libc says elsewhere (gai_strerror, strsignal), which is in the charset of the locale, in UTF-8.
+HOSTKIT_API std::string FromLocale(const char* text);
 
 }  // namespace hostkit

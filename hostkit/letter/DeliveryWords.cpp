@@ -3,6 +3,7 @@
 #include <cstring>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/DeliveryWords.h>
 #include <netdb.h>
 #include <string_view>
@@ -50,28 +51,28 @@ std::string ResolverWords(int number, const std::string& name) {
     switch (number) {
         case EAI_NONAME:
         case EAI_NODATA:
-            return "no machine is named " + name;
+            return Words("no machine is named {1}", name);
         case EAI_AGAIN:
-            return "the name " + name + " cannot be looked up now; try again later";
+            return Words("the name {1} cannot be looked up now; try again later", name);
         default:
-            return "the name " + name + " cannot be looked up: " + gai_strerror(number);
+            return Words("the name {1} cannot be looked up: {2}", name, FromLocale(gai_strerror(number)));
     }
 }
 
-std::string SystemWords(int number, const Server& server) {
+std::string ConnectionWords(int number, const Server& server) {
     switch (number) {
         case ECONNREFUSED:
-            return "nobody listens at " + server.place;
+            return Words("nobody listens at {1}", server.place);
         case ETIMEDOUT:
-            return server.place + " does not answer";
+            return Words("{1} does not answer", server.place);
         case ENETUNREACH:
         case EHOSTUNREACH:
-            return "no way leads to " + server.place + " from here";
+            return Words("no way leads to {1} from here", server.place);
         case ECONNRESET:
         case EPIPE:
-            return server.place + " broke the connection off";
+            return Words("{1} broke the connection off", server.place);
         default:
-            return number < 0 ? ResolverWords(number, server.name) : server.place + ": " + std::strerror(number);
+            return number < 0 ? ResolverWords(number, server.name) : server.place + ": " + SystemWords(number);
     }
 }
 
@@ -80,7 +81,7 @@ std::string SystemWords(int number, const Server& server) {
 std::string ReasonOf(const CMailSendRecv::Result& result, const CMailDoc& doc) {
     const std::string lines = LinesOf(result.text.View());
     return lines.empty() || result.systemError == 0 ? lines
-                                                    : lines + ": " + SystemWords(result.systemError, ServerOf(doc));
+                                                    : lines + ": " + ConnectionWords(result.systemError, ServerOf(doc));
 }
 
 bool AsksForLogin(const CMailSendRecv::Result& result) {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <hostkit/characters/MailText.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <iterator>
 #include <string_view>
@@ -12,28 +12,28 @@ namespace {
 
 using Kind = MailFault::Kind;
 
-// A % stands for the name of the fault.
+// {1} stands for the name of the fault.
 struct Sentence {
-    std::string_view text;
+    const char* text;
     Kind kind;
     bool isSearch = false;  // a NUL can hide what was searched for
 };
 constexpr Sentence kSentences[] = {
-    {"it has 2 GiB or more", Kind::kTooLong},
-    {"it is empty", Kind::kEmpty},
-    {"it has no MIME-Version 1.0", Kind::kNoMimeVersion, true},
-    {"its MIME-Version is %, not 1.0", Kind::kOtherMimeVersion},
-    {"its parts nest deeper than can be read", Kind::kNestsTooDeep},
-    {"the boundary parameter of a multipart is missing", Kind::kNoBoundary},
-    {"no delimiter of its boundary % is there", Kind::kNoDelimiter, true},
-    {"the closing delimiter is missing of boundary %", Kind::kNoClosingDelimiter, true},
-    {"a part of type % in a multipart/mixed has no name", Kind::kPartWithoutName},
-    {"an image (%) has no name", Kind::kImageWithoutName},
-    {"no empty line stands behind its fields", Kind::kNoEmptyLine, true},
-    {"the last attachment is empty, and its empty line belongs to the delimiter", Kind::kLastFileIsEmpty},
-    {"the data of % has no line end behind it", Kind::kDataWithoutEnd, true},
-    {"a text cannot be decoded", Kind::kTextNotDecoded},
-    {"the attachment % cannot be decoded", Kind::kFileNotDecoded},
+    {Marked("it has 2 GiB or more"), Kind::kTooLong},
+    {Marked("it is empty"), Kind::kEmpty},
+    {Marked("it has no MIME-Version 1.0"), Kind::kNoMimeVersion, true},
+    {Marked("its MIME-Version is {1}, not 1.0"), Kind::kOtherMimeVersion},
+    {Marked("its parts nest deeper than can be read"), Kind::kNestsTooDeep},
+    {Marked("the boundary parameter of a multipart is missing"), Kind::kNoBoundary},
+    {Marked("no delimiter of its boundary {1} is there"), Kind::kNoDelimiter, true},
+    {Marked("the closing delimiter is missing of boundary {1}"), Kind::kNoClosingDelimiter, true},
+    {Marked("a part of type {1} in a multipart/mixed has no name"), Kind::kPartWithoutName},
+    {Marked("an image ({1}) has no name"), Kind::kImageWithoutName},
+    {Marked("no empty line stands behind its fields"), Kind::kNoEmptyLine, true},
+    {Marked("the last attachment is empty, and its empty line belongs to the delimiter"), Kind::kLastFileIsEmpty},
+    {Marked("the data of {1} has no line end behind it"), Kind::kDataWithoutEnd, true},
+    {Marked("a text cannot be decoded"), Kind::kTextNotDecoded},
+    {Marked("the attachment {1} cannot be decoded"), Kind::kFileNotDecoded},
 };
 
 // A value of a message, the last bytes of a long one left out.
@@ -44,35 +44,35 @@ std::string Quoted(const CString& text) {
     return "'" + LineShown(text.Left(kShownBytes).View()) + (isLong ? "...'" : "'");
 }
 
-// The parts and attached mails around the fault, the outermost first.
-std::string WayTo(const MailFault& fault) {
-    std::string way;
-    for (const int step : fault.path)
-        way += step == 0 ? "the attached mail cannot be read: " : "part " + std::to_string(step) + ": ";
-    return way;
+// The text behind the parts and attached mails around the fault, the outermost first.
+std::string BehindItsWay(const MailFault& fault, std::string text) {
+    for (auto step = fault.path.rbegin(); step != fault.path.rend(); ++step)
+        text = *step == 0 ? Words("the attached mail cannot be read: {1}", text) : Words("part {1}: {2}", *step, text);
+    return text;
 }
 
 // A message that is sound, but whose attachment does not become a file.
 std::string FileText(const MailFault& fault, const std::filesystem::path& folder) {
-    const std::string attachment = "the attachment " + Quoted(fault.name);
+    const std::string name = Quoted(fault.name);
     if (fault.error == ENAMETOOLONG || fault.error == EILSEQ || fault.error == EINVAL)
-        return attachment + " has a name that no file can have";
-    const std::string place = folder.empty() ? "the folder for temporary files" : folder.native();
-    return attachment + " cannot be written into " + place + ": " + std::strerror(fault.error);
+        return Words("the attachment {1} has a name that no file can have", name);
+    const std::string place = folder.empty() ? Words("the folder for temporary files") : folder.native();
+    return Words("the attachment {1} cannot be written into {2}: {3}", name, place, SystemWords(fault.error));
 }
 
 }  // namespace
 
 std::string FaultText(const MailFault& fault, const std::filesystem::path& folder) {
     if (fault.kind == Kind::kFileNotMade || fault.kind == Kind::kFileNotWritten) return FileText(fault, folder);
-    if (fault.kind == Kind::kEmpty && fault.path.empty()) return "is empty";
+    if (fault.kind == Kind::kEmpty && fault.path.empty()) return Words("is empty");
     const auto* const sentence = std::find_if(std::begin(kSentences), std::end(kSentences),
                                               [&](const Sentence& row) { return row.kind == fault.kind; });
-    std::string text(sentence != std::end(kSentences) ? sentence->text : "a part is damaged");
-    if (const std::size_t name = text.find('%'); name != std::string::npos) text.replace(name, 1, Quoted(fault.name));
-    const bool isHidden = sentence != std::end(kSentences) && sentence->isSearch && fault.holdsNul;
-    return "cannot be read as a mail: " + WayTo(fault) + text +
-           (isHidden ? "; it holds a NUL byte, behind which nothing is read" : "");
+    const bool isKnown = sentence != std::end(kSentences);
+    const std::string text = Words(isKnown ? sentence->text : Marked("a part is damaged"), Quoted(fault.name));
+    return Words(isKnown && sentence->isSearch && fault.holdsNul
+                     ? Marked("cannot be read as a mail: {1}; it holds a NUL byte, behind which nothing is read")
+                     : Marked("cannot be read as a mail: {1}"),
+                 BehindItsWay(fault, text));
 }
 
 }  // namespace hostkit

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/PartLimit.h>
 #include <string_view>
 #include <vector>
@@ -86,7 +87,7 @@ void ForEachHyphens(std::string_view text, See see) {
 }  // namespace
 
 std::string TooManyPartsText() {
-    return "has more than " + std::to_string(kMaxParts) + " parts, which no real mail has; none of them was read";
+    return Words("has more than {1} parts, which no real mail has; none of them was read", kMaxParts);
 }
 
 bool HasTooManyParts(const CString& mail) {

@@ -3,6 +3,7 @@
 #include <hostkit/attachments/Attachment.h>
 #include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/characters/MailText.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/MessageFile.h>
 #include <hostkit/letter/ProgressOperation.h>
 #include <hostkit/letter/SaveLetter.h>
@@ -30,12 +31,13 @@ bool IsTooLargeToRead(const CMailDoc& doc) {
 // What others may refuse in the written mail, empty if nothing.
 std::string WarningFor(const CMailDoc& doc) {
     constexpr int kMaxLineBytes = 998;  // RFC 5322 2.1.1
-    if (IsTooLargeToRead(doc)) return "the mail has 2 GiB or more; mailengine, as many others, cannot read it again";
+    if (IsTooLargeToRead(doc))
+        return Words("the mail has 2 GiB or more; mailengine, as many others, cannot read it again");
     CString subject;
     doc.GetSubject(subject);
     const int line = subject.GetLength() + static_cast<int>(std::strlen("Subject: "));
     if (CLanguage::IsJapanese(subject) || line <= kMaxLineBytes) return "";
-    return "the subject is one line of " + std::to_string(line) + " bytes; servers may refuse more than 998";
+    return Words("the subject is one line of {1} bytes; servers may refuse more than 998", line);
 }
 
 std::string Joined(const std::string& one, const std::string& other) {
@@ -55,12 +57,12 @@ Outcome Save(CMailDoc& doc, OutputTarget& target, const Progress& progress) {
     const AttachmentWatch watch = carried.Watch();
     const std::string warning = Joined(carried.Warning(), WarningFor(doc));
     WatchedStream stream(target.Open(), watch);
-    ProgressOperation operation("保存中", doc.GetMailSize(), progress);
+    ProgressOperation operation(Words("Saving"), doc.GetMailSize(), progress);
     CString error;
     const int written = CEMailWriter(&stream, doc, operation.Engine()).Write(error);
     if (written) operation.Complete();
     if (!written && operation.IsCancelled())
-        return {Outcome::State::Cancelled, "cancelled; the mail was not written", target.Name()};
+        return {Outcome::State::Cancelled, Words("cancelled; the mail was not written"), target.Name()};
     target.CheckWritten();
     watch.Check();
     if (!written) ThrowReason(carried, error);

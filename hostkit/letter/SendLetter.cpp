@@ -1,5 +1,6 @@
 #include <hostkit/attachments/Attachment.h>
 #include <hostkit/attachments/CarriedFiles.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/DeliveryWords.h>
 #include <hostkit/letter/Envelope.h>
@@ -22,12 +23,14 @@ Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc, cons
     const std::string reason = carried.InUsersNames(ReasonOf(result, doc));
     if (result.outcome == CMailSendRecv::kUnknown)
         return NotDone(Outcome::State::Unknown,
-                       {FailureKind::Delivery, {}, "the server may have taken the mail: " + reason});
-    if (reason.empty()) return {Outcome::State::Cancelled, "cancelled; the mail was not sent"};
-    const std::string fact = "the mail was not sent: " + reason;
-    if (!AsksForLogin(result)) return NotDone(Outcome::State::Failed, {FailureKind::Delivery, {}, fact});
-    return NotDone(Outcome::State::Failed,
-                   {FailureKind::Login, {}, fact + ": the server asks for login or encryption"});
+                       {FailureKind::Delivery, {}, Words("the server may have taken the mail: {1}", reason)});
+    if (reason.empty()) return {Outcome::State::Cancelled, Words("cancelled; the mail was not sent")};
+    if (!AsksForLogin(result))
+        return NotDone(Outcome::State::Failed,
+                       {FailureKind::Delivery, {}, Words("the mail was not sent: {1}", reason)});
+    return NotDone(
+        Outcome::State::Failed,
+        {FailureKind::Login, {}, Words("the mail was not sent: {1}: the server asks for login or encryption", reason)});
 }
 
 }  // namespace
@@ -38,7 +41,7 @@ Outcome SendLetter(CMailDoc& doc, const Progress& progress) {
         CheckAttachments(doc);
         const CarriedFiles carried(doc, Copied::All);
         const BlindCopies blind(doc);
-        ProgressOperation operation("送信中", doc.GetMailSize(), progress);
+        ProgressOperation operation(Words("Sending"), doc.GetMailSize(), progress);
         const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, blind.Recipients(), operation.Engine());
         if (result.outcome == CMailSendRecv::kTaken) operation.Complete();
         return OutcomeOf(result, doc, carried);
