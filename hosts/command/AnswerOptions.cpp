@@ -1,5 +1,6 @@
 #include "AnswerOptions.h"
 
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/Answer.h>
 
 #include "Faults.h"
@@ -18,9 +19,12 @@ void CAnswerOptions::AddTo(CLI::App& command, CLI::Option& file) {
 std::filesystem::path CAnswerOptions::Answer(const std::string& file, const CLetterOptions& letter,
                                              CMailDoc& doc) const {
     if (file == "-" && letter.ReadsStandardInput())
-        throw CFailure("FILE and --body-file are both standard input; name one of them as a file", kExitUsage);
+        throw CFailure(hostkit::Words("FILE and --body-file are both standard input; name one of them as a file"),
+                       kExitUsage);
     if (letter.HasEmptySubject())
-        throw CFailure("--subject: is empty, and would take that of the answered mail away; leave it out", kExitUsage);
+        throw CFailure(
+            hostkit::Words("--subject: is empty, and would take that of the answered mail away; leave it out"),
+            kExitUsage);
     hostkit::MessageSource::Message message = TheMessage(file, m_nMessage);
     const auto input = file == "-" ? CLetterOptions::Input::Taken : CLetterOptions::Input::Body;
     for (const std::string& warning : hostkit::PrepareAnswer(std::move(message.bytes), letter.Letter(input), doc,

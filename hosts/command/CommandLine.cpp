@@ -1,6 +1,7 @@
 #include "CommandLine.h"
 
 #include <hostkit/characters/CodePage.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/InputFile.h>
 #include <unistd.h>
 
@@ -14,7 +15,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 }  // namespace
 
 std::string NameOfInput(const std::string& path) {
-    return path == kStandard ? "standard input" : path;
+    return path == kStandard ? hostkit::Words("standard input") : path;
 }
 
 std::string TextAt(const std::string& path) {
@@ -27,6 +28,7 @@ std::string TextAt(const std::string& path) {
 
 std::unique_ptr<hostkit::OutputTarget> TargetAt(const std::string& path, hostkit::Unkept unkept) {
     if (path == kStandard) CheckStandardOutput();
-    if (path == kStandard) return std::make_unique<hostkit::OutputTarget>(STDOUT_FILENO, "standard output");
+    if (path == kStandard)
+        return std::make_unique<hostkit::OutputTarget>(STDOUT_FILENO, hostkit::Words("standard output"));
     return std::make_unique<hostkit::OutputTarget>(path, unkept);
 }

@@ -1,5 +1,7 @@
 #include "Faults.h"
 
+#include <hostkit/characters/Words.h>
+
 #include "Terminal.h"
 
 namespace {
@@ -7,6 +9,8 @@ namespace {
 using hostkit::Failure;
 using hostkit::FailureKind;
 using hostkit::Field;
+using hostkit::Marked;
+using hostkit::Words;
 
 const char* OptionOf(Field field) {
     switch (field) {
@@ -46,15 +50,19 @@ const char* OptionOf(Field field) {
     return "";
 }
 
+// What to do about it; {1} stands for the failure's own sentence.
 const char* AdviceFor(const Failure& failure) {
-    if (failure.Kind() == FailureKind::SameFile) return "; name another with -o";
-    if (failure.Kind() == FailureKind::Unkept) return "; name another file, or let --in-place write into this one";
+    if (failure.Kind() == FailureKind::SameFile) return Marked("{1}; name another with -o");
+    if (failure.Kind() == FailureKind::Unkept)
+        return Marked("{1}; name another file, or let --in-place write into this one");
     if (failure.Kind() == FailureKind::Login)
-        return "; leave --server out, and this machine's mail system, once it is set up for that server, sends the "
-               "mail";
-    if (failure.Kind() != FailureKind::Uncarried) return "";
-    return failure.Where().field == Field::Attachment ? "; give the file another name"
-                                                      : "; take it out, or let --replace put 〓 in its place";
+        return Marked(
+            "{1}; leave --server out, and this machine's mail system, once it is set up for that server, "
+            "sends the mail");
+    if (failure.Kind() != FailureKind::Uncarried) return "{1}";
+    return failure.Where().field == Field::Attachment
+               ? Marked("{1}; give the file another name")
+               : Marked("{1}; take it out, or let --replace put 〓 in its place");
 }
 
 int StatusOf(const Failure& failure) {
@@ -81,9 +89,9 @@ int ReportFault() {
     } catch (const CFailure& failure) {
         return Fail(failure.what(), failure.Status());
     } catch (const Failure& failure) {
-        return Fail(failure.Sentence(OptionOf(failure.Where().field)) + AdviceFor(failure), StatusOf(failure));
+        return Fail(Words(AdviceFor(failure), failure.Sentence(OptionOf(failure.Where().field))), StatusOf(failure));
     } catch (const std::bad_alloc&) {
-        return Fail("there is not enough memory; give smaller texts", kExitFailed);
+        return Fail(Words("there is not enough memory; give smaller texts"), kExitFailed);
     } catch (const std::exception& error) {
         return Fail(error.what(), kExitFailed);
     }

@@ -25,7 +25,7 @@ void CLetterOptions::AddTo(CLI::App& command) {
 
 void CLetterOptions::AddAddressesTo(CLI::App& command) {
     constexpr char kAddress[] = "ADDRESS";
-    Filled(command.add_option("--from", m_letter.from, "The sender: '名前 <user@host>' or user@host"))
+    Filled(command.add_option("--from", m_letter.from, "The sender: 'Name <user@host>' or user@host"))
         ->type_name(kAddress);
     Filled(command.add_option("--reply-to", m_letter.replyTo, "Where replies go"))->type_name(kAddress);
     AddMany(command, "-t,--to", m_letter.to, "A recipient; repeat for more")->type_name(kAddress);

@@ -1,6 +1,7 @@
 #include "Messages.h"
 
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <memory>
 #include <new>
 #include <unistd.h>
@@ -12,8 +13,10 @@
 
 namespace {
 
+using hostkit::CountedWords;
 using hostkit::Failure;
 using hostkit::MessageSource;
+using hostkit::Words;
 
 std::unique_ptr<MessageSource> SourceAt(const std::string& file) {
     if (file != "-") return std::make_unique<MessageSource>(file);
@@ -33,7 +36,7 @@ int StatusOf(const std::string& name, const std::function<void()>& work) {
     // Here the memory of the attempt is free again.
     try {
         throw Failure(hostkit::FailureKind::System, {hostkit::Field::None, name},
-                      "there is not enough memory to read it");
+                      Words("there is not enough memory to read it"));
     } catch (const Failure&) {
         return ReportFault();
     }
@@ -95,9 +98,11 @@ MessageSource::Message TheMessage(const std::string& file, std::optional<std::si
         last = message->number;
         if (number && last != *number) continue;
         if (!number && source->HoldsMany() && source->Next())
-            throw CFailure(NameOfInput(file) + ": holds many messages; name one with --message", kExitUsage);
+            throw CFailure(Words("{1}: holds many messages; name one with --message", NameOfInput(file)), kExitUsage);
         return std::move(*message);
     }
-    throw CFailure(NameOfInput(file) + ": holds " + (last == 0 ? "no message" : std::to_string(last) + " messages") +
-                   (number ? "; --message " + std::to_string(*number) + " is not there" : ""));
+    const std::string holds =
+        last == 0 ? Words("{1}: holds no message", NameOfInput(file))
+                  : CountedWords(last, "{2}: holds {1} message", "{2}: holds {1} messages", NameOfInput(file));
+    throw CFailure(number ? Words("{1}; --message {2} is not there", holds, *number) : holds);
 }

@@ -1,13 +1,14 @@
 #include "Options.h"
 
 #include <charconv>
+#include <hostkit/characters/Words.h>
 
 namespace {
 
 constexpr int kAllThatCome = 1 << 28;  // a positional takes arguments while it has fewer than it wants
 
 std::string FaultOfEmpty(const std::string& value) {
-    return value.empty() ? "is empty" : "";
+    return value.empty() ? hostkit::Words("is empty") : "";
 }
 
 }  // namespace
@@ -16,7 +17,9 @@ std::string options::FaultOfCount(const std::string& value) {
     std::size_t number = 0;
     const char* const end = value.data() + value.size();
     const auto read = std::from_chars(value.data(), end, number);
-    return read.ec == std::errc() && read.ptr == end && number > 0 ? "" : "'" + value + "' is no number from 1 up";
+    return read.ec == std::errc() && read.ptr == end && number > 0
+               ? ""
+               : hostkit::Words("'{1}' is no number from 1 up", value);
 }
 
 CLI::Option* options::Filled(CLI::Option* option) {

@@ -1,5 +1,6 @@
 #include "ReplyCommand.h"
 
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/SaveLetter.h>
 
 #include "CommandLine.h"
@@ -24,7 +25,7 @@ CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Wr
 int CReplyCommand::Run() const {
     CMailDoc doc;
     const std::filesystem::path answered = m_answer.Answer(m_strFile, m_letter, doc);
-    if (doc.GetToAddressSize() == 0) terminal::Warn("the answered mail names no sender; give --to");
+    if (doc.GetToAddressSize() == 0) terminal::Warn(hostkit::Words("the answered mail names no sender; give --to"));
 
     const std::unique_ptr<hostkit::OutputTarget> target = m_output.Target();
     struct stat status;

@@ -3,15 +3,16 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/Words.h>
 #include <unistd.h>
 
 namespace {
 
-void Check(int descriptor, int wrongWay, const char* name) {
+void Check(int descriptor, int wrongWay, const std::string& name) {
     const int flags = fcntl(descriptor, F_GETFL);
     if (flags != -1 && (flags & O_ACCMODE) != wrongWay) return;
     throw hostkit::Failure(hostkit::FailureKind::Target, {hostkit::Field::None, name},
-                           "is closed; open it, or name a file");
+                           hostkit::Words("is closed; open it, or name a file"));
 }
 
 }  // namespace
@@ -31,9 +32,9 @@ bool HasPipedInput() {
 }
 
 void CheckStandardInput() {
-    Check(STDIN_FILENO, O_WRONLY, "standard input");
+    Check(STDIN_FILENO, O_WRONLY, hostkit::Words("standard input"));
 }
 
 void CheckStandardOutput() {
-    Check(STDOUT_FILENO, O_RDONLY, "standard output");
+    Check(STDOUT_FILENO, O_RDONLY, hostkit::Words("standard output"));
 }

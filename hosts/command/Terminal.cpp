@@ -1,7 +1,7 @@
 #include "Terminal.h"
 
-#include <cstring>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/Descriptors.h>
 #include <unistd.h>
 
@@ -27,7 +27,7 @@ void terminal::Complain(const std::string& text) {
 }
 
 void terminal::Warn(const std::string& text) {
-    Complain("warning: " + text);
+    Complain(hostkit::Words("warning: {1}", text));
 }
 
 void terminal::Put(const std::string& text) {
@@ -42,5 +42,6 @@ void terminal::Put(const std::string& text) {
 
 void terminal::Finish() {
     Flush();
-    if (g_error != 0) throw CFailure(std::string("standard output: cannot be written: ") + std::strerror(g_error));
+    if (g_error != 0)
+        throw CFailure(hostkit::Words("standard output: cannot be written: {1}", hostkit::SystemWords(g_error)));
 }

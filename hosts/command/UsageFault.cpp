@@ -1,7 +1,10 @@
 #include "UsageFault.h"
 
 #include <algorithm>
+#include <hostkit/characters/Words.h>
 #include <numeric>
+
+using hostkit::Words;
 
 namespace {
 
@@ -26,8 +29,9 @@ std::size_t Distance(std::string_view one, std::string_view other) {
     return now.back();
 }
 
-// "; did you mean write?", or nothing where no name is near.
-std::string Suggestion(std::string_view word, const std::vector<std::string>& names, std::string_view prefix = "") {
+// The fault, with the name that may have been meant if one is near.
+std::string WithNearest(const std::string& fault, std::string_view word, const std::vector<std::string>& names,
+                        const std::string& prefix = "") {
     constexpr std::size_t kLongestWord = 40;
     const std::string* nearest = nullptr;
     std::size_t least = std::min<std::size_t>(3, (word.size() + 3) / 3);  // of a short word every other is near
@@ -37,16 +41,17 @@ std::string Suggestion(std::string_view word, const std::vector<std::string>& na
         least = distance;
         nearest = &name;
     }
-    return nearest == nullptr ? "" : "; did you mean " + std::string(prefix) + *nearest + "?";
+    return nearest == nullptr ? fault : Words("{1}; did you mean {2}?", fault, prefix + *nearest);
 }
 
 std::string UnknownOption(const CLI::App& command, const std::string& word) {
     const std::string option = word.substr(0, word.find('='));
-    if (!option.starts_with("--")) return option + ": there is no such option";
+    const std::string fault = Words("{1}: there is no such option", option);
+    if (!option.starts_with("--")) return fault;
     std::vector<std::string> names;
     for (const CLI::Option* known : command.get_options())
         names.insert(names.end(), known->get_lnames().begin(), known->get_lnames().end());
-    return option + ": there is no such option" + Suggestion(option.substr(2), names, "--");
+    return WithNearest(fault, option.substr(2), names, "--");
 }
 
 // Of what stood on the command line and nobody took, in its order. Empty: all was taken.
@@ -60,7 +65,7 @@ std::string FaultOfExtras(const CLI::App& command) {
     std::string list;
     for (const std::string& word : extras)
         list += (list.empty() ? "" : " ") + word;
-    return list.empty() ? "" : list + ": more than the command takes";
+    return list.empty() ? "" : Words("{1}: more than the command takes", list);
 }
 
 const CLI::Option* First(const CLI::App& command, const std::function<bool(const CLI::Option&)>& isMeant) {
@@ -77,36 +82,39 @@ const CLI::Option* Given(const std::set<CLI::Option*>& options, bool wanted) {
 }
 
 std::string NameOf(const CLI::Option* option) {
-    return option == nullptr ? "an option" : option->get_name();
+    return option == nullptr ? Words("an option") : option->get_name();
 }
 
 std::string FaultOfConflict(const CLI::App& command) {
     const CLI::Option* const one = First(
         command, [](const CLI::Option& option) { return option.count() > 0 && Given(option.get_excludes(), true); });
-    return NameOf(one) + " and " + NameOf(one == nullptr ? nullptr : Given(one->get_excludes(), true)) +
-           " cannot both be given";
+    const CLI::Option* const other = one == nullptr ? nullptr : Given(one->get_excludes(), true);
+    return Words("{1} and {2} cannot both be given", NameOf(one), NameOf(other));
 }
 
 std::string FaultOfNeed(const CLI::App& command) {
     const CLI::Option* const one = First(
         command, [](const CLI::Option& option) { return option.count() > 0 && Given(option.get_needs(), false); });
-    return NameOf(one) + " needs " + NameOf(one == nullptr ? nullptr : Given(one->get_needs(), false)) + " beside it";
+    const CLI::Option* const other = one == nullptr ? nullptr : Given(one->get_needs(), false);
+    return Words("{1} needs {2} beside it", NameOf(one), NameOf(other));
 }
 
 // An option takes the next word whatever it is, so a value can be missing at the end alone.
 std::string FaultOfNumber(const CLI::App& command, const std::string& lastWord) {
     const CLI::Option* const twice = First(
         command, [](const CLI::Option& option) { return option.get_items_expected_max() == 1 && option.count() > 1; });
-    return twice != nullptr ? NameOf(twice) + " is given more than once" : lastWord + ": its value is missing";
+    return twice != nullptr ? Words("{1} is given more than once", NameOf(twice))
+                            : Words("{1}: its value is missing", lastWord);
 }
 
 std::string FaultOfFlag(const CLI::App& command, const std::vector<std::string>& words) {
     for (const std::string& word : words) {
         const std::string name = word.substr(0, word.find('='));
         const CLI::Option* const option = command.get_option_no_throw(name);
-        if (option != nullptr && name != word && option->get_items_expected_max() == 0) return name + " takes no value";
+        if (option != nullptr && name != word && option->get_items_expected_max() == 0)
+            return Words("{1} takes no value", name);
     }
-    return "an option has a value that it cannot take";
+    return Words("an option has a value that it cannot take");
 }
 
 }  // namespace
@@ -115,7 +123,7 @@ std::string UnknownCommand(const CLI::App& program, const std::string& word) {
     std::vector<std::string> names;
     for (const CLI::App* command : program.get_subcommands({}))
         names.push_back(command->get_name());
-    return word + ": there is no such command" + Suggestion(word, names);
+    return WithNearest(Words("{1}: there is no such command", word), word, names);
 }
 
 std::string UsageFault(const CLI::App& command, const std::vector<std::string>& words) {
@@ -123,9 +131,9 @@ std::string UsageFault(const CLI::App& command, const std::vector<std::string>& 
     try {
         throw;
     } catch (const CLI::RequiredError&) {
-        return NameOf(First(command,
-                            [](const CLI::Option& option) { return option.get_required() && option.count() == 0; })) +
-               " is missing";
+        return Words("{1} is missing", NameOf(First(command, [](const CLI::Option& option) {
+                         return option.get_required() && option.count() == 0;
+                     })));
     } catch (const CLI::ArgumentMismatch&) {
         return FaultOfNumber(command, words.back());
     } catch (const CLI::ExcludesError&) {
@@ -137,6 +145,6 @@ std::string UsageFault(const CLI::App& command, const std::vector<std::string>& 
     } catch (const CLI::ConversionError&) {
         return FaultOfFlag(command, words);
     } catch (const CLI::ParseError&) {
-        return "the command line cannot be understood";
+        return Words("the command line cannot be understood");
     }
 }

@@ -2,10 +2,12 @@
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
+#include <hostkit/characters/Words.h>
 #include <malloc.h>
 #include <memory>
 
 #include "Faults.h"
+#include "HelpTexts.h"
 #include "ReadCommand.h"
 #include "ReplyCommand.h"
 #include "SendCommand.h"
@@ -16,10 +18,12 @@
 #include "UsageFault.h"
 #include "WriteCommand.h"
 
+using hostkit::Words;
+
 namespace {
 
 constexpr int kLargeTextBytes = 1 << 20;
-constexpr char kSeeHelp[] = "; see mailengine --help";
+constexpr char kHelp[] = "mailengine --help";
 
 int Fail(const std::string& text, int status) {
     terminal::Complain(text);
@@ -30,6 +34,10 @@ int Help(const std::string& text) {
     terminal::Put(text);
     terminal::Finish();
     return 0;
+}
+
+std::string WithHelp(const std::string& fault, const std::string& help) {
+    return Words("{1}; see {2}", fault, help);
 }
 
 // help, or help COMMAND. Answers where that was asked for.
@@ -48,7 +56,7 @@ public:
                 m_program.get_formatter()->make_help(&m_program, m_program.get_name(), CLI::AppFormatMode::Normal));
         for (const CLI::App* command : m_program.get_subcommands({}))
             if (command->get_name() == m_strCommand) return Help(command->help(m_program.get_name()));
-        return Fail(UnknownCommand(m_program, m_strCommand) + kSeeHelp, kExitUsage);
+        return Fail(WithHelp(UnknownCommand(m_program, m_strCommand), kHelp), kExitUsage);
     }
 
 private:
@@ -58,7 +66,8 @@ private:
 };
 
 int Run(int argc, char** argv) {
-    CLI::App program("Writes, sends, reads and answers Japanese mails as Internet messages.", "mailengine");
+    CLI::App program("", "mailengine");
+    program.description("Writes, sends, reads and answers Japanese mails as Internet messages.");
     program.require_subcommand(0, 1);
     const std::unique_ptr<const CCommand> commands[] = {
         std::make_unique<CWriteCommand>(program), std::make_unique<CReplyCommand>(program),
@@ -66,6 +75,7 @@ int Run(int argc, char** argv) {
         std::make_unique<CSendCommand>(program),
     };
     const CHelp help(program);
+    TranslateHelp(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -73,13 +83,13 @@ int Run(int argc, char** argv) {
     } catch (const CLI::ParseError&) {
         const std::vector<CLI::App*> asked = program.get_subcommands();
         const std::string fault = UsageFault(asked.empty() ? program : *asked[0], {argv, argv + argc});
-        return Fail(fault + "; see mailengine " + (asked.empty() ? "" : asked[0]->get_name() + ' ') + "--help",
+        return Fail(WithHelp(fault, asked.empty() ? kHelp : "mailengine " + asked[0]->get_name() + " --help"),
                     kExitUsage);
     }
     if (help.IsAsked()) return help.Run();
     for (const auto& command : commands)
         if (command->IsAsked()) return command->Run();
-    return Fail(std::string("a command is missing") + kSeeHelp, kExitUsage);
+    return Fail(WithHelp(Words("a command is missing"), kHelp), kExitUsage);
 }
 
 }  // namespace
