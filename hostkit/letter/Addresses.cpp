@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <glib.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/Addresses.h>
 #include <iterator>
 #include <memory>
@@ -37,7 +38,7 @@ void CheckForm(std::string_view text, Field field) {
     const std::size_t right = text.find('>');
     if (left == std::string_view::npos && right == std::string_view::npos) return;
     if (left == std::string_view::npos || right != text.size() - 1 || left > right)
-        Refuse(text, field, "give one address, as 'name <user@host>' or user@host");
+        Refuse(text, field, Words("give one address, as 'name <user@host>' or user@host"));
 }
 
 // Behind the local part: a quoted one may hold an @ (RFC 5322 3.4.1).
@@ -54,22 +55,24 @@ std::size_t SeparatorIn(std::string_view address) {
 // domain has a label between its dots and no dot at an end (RFC 5321 4.1.2).
 void CheckDomain(std::string_view address, std::string_view text, Field field) {
     const std::size_t begin = std::min(SeparatorIn(address), address.size() - 1) + 1;
-    const auto refuse = [&](const char* what, std::size_t at) {
-        Refuse(text, field, std::string(what) + " stands behind '" + std::string(address.substr(0, at)) + "'");
+    const auto refuse = [&](const char* sentence, std::size_t at) {
+        Refuse(text, field, Words(sentence, address.substr(0, at)));
     };
-    if (begin == address.size()) refuse("no @ with a domain", begin);
-    if (const std::size_t at = address.find('@', begin); at != std::string_view::npos) refuse("a second @", at);
-    if (address[begin] == '.') refuse("a dot", begin);
+    if (begin == address.size()) refuse(Marked("no @ with a domain stands behind '{1}'"), begin);
+    if (const std::size_t at = address.find('@', begin); at != std::string_view::npos)
+        refuse(Marked("a second @ stands behind '{1}'"), at);
+    if (address[begin] == '.') refuse(Marked("a dot stands behind '{1}'"), begin);
     if (const std::size_t dots = address.find("..", begin); dots != std::string_view::npos)
-        refuse("a second dot", dots + 1);
-    if (address.back() == '.') refuse("a last dot", address.size() - 1);
+        refuse(Marked("a second dot stands behind '{1}'"), dots + 1);
+    if (address.back() == '.') refuse(Marked("a last dot stands behind '{1}'"), address.size() - 1);
 }
 
 void CheckMailAddress(const CAddress& address, std::string_view text, Field field) {
     CString message;
     if (!CAddress::CheckAddress(address.GetMailAddress(), message)) Refuse(text, field, FromCodePage(message.View()));
     if (address.GetMailAddress().View().find_first_of(" ,;<>") != std::string_view::npos)
-        Refuse(text, field, "a mail address holds no blank, comma, semicolon or angle bracket; give one address");
+        Refuse(text, field,
+               Words("a mail address holds no blank, comma, semicolon or angle bracket; give one address"));
     CheckDomain(address.GetMailAddress().View(), text, field);
 }
 
@@ -79,9 +82,10 @@ std::string WithoutScheme(std::string_view address, std::string_view text, Field
         address.size() < kScheme.size())
         return std::string(address);
     const std::string coded(address.substr(kScheme.size()));
-    if (coded.find('?') != std::string::npos) Refuse(text, field, "give the address alone, without what '?' begins");
+    if (coded.find('?') != std::string::npos)
+        Refuse(text, field, Words("give the address alone, without what '?' begins"));
     const std::unique_ptr<char, decltype(&g_free)> plain(g_uri_unescape_string(coded.c_str(), nullptr), &g_free);
-    if (!plain) Refuse(text, field, "a % without two hexadecimal digits stands in it");
+    if (!plain) Refuse(text, field, Words("a % without two hexadecimal digits stands in it"));
     return plain.get();
 }
 
@@ -98,7 +102,7 @@ std::string Tidy(std::string_view text, Field field) {
 void CheckPlainName(const CAddress& address, std::string_view text, Field field) {
     const CString name = address.GetDisplayName();
     if (CLanguage::IsJapanese(name) || name.View().find('\\') == std::string_view::npos) return;
-    Refuse(text, field, "a backslash in a plain name cannot be carried; leave it out");
+    Refuse(text, field, Words("a backslash in a plain name cannot be carried; leave it out"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/Envelope.h>
 #include <set>
@@ -71,7 +72,7 @@ void SetServer(std::string_view text, CMailDoc& doc) {
     const auto read = std::from_chars(server.port.data(), end, port);
     if (server.host.empty() || read.ec != std::errc() || read.ptr != end || port < 1 || port > 65535)
         throw Failure(FailureKind::Value, {Field::Server, "'" + std::string(text) + "'"},
-                      "give a host, or a host and a port as mail.example.jp:25");
+                      Words("give a host, or a host and a port as mail.example.jp:25"));
     doc.SetSendServer(ToCodePage(server.host, Extent::Line, Missing::Refuse, {Field::Server}), port);
 }
 
@@ -99,13 +100,12 @@ std::vector<std::string> RecipientsOf(const CMailDoc& doc) {
 
 void CheckEnvelope(const CMailDoc& doc) {
     const std::size_t recipients = RecipientsOf(doc).size();
-    if (SenderOf(doc).empty()) throw Failure(FailureKind::Value, {Field::From}, "the mail has no sender");
-    if (recipients == 0) throw Failure(FailureKind::Value, {Field::To}, "the mail has no recipient");
+    if (SenderOf(doc).empty()) throw Failure(FailureKind::Value, {Field::From}, Words("the mail has no sender"));
+    if (recipients == 0) throw Failure(FailureKind::Value, {Field::To}, Words("the mail has no recipient"));
     if (recipients > kMaxRecipients) {
         throw Failure(FailureKind::Value, {Field::To},
-                      "the mail has " + std::to_string(recipients) +
-                          " recipients and a server need not take more than " + std::to_string(kMaxRecipients) +
-                          "; send it in parts");
+                      Words("the mail has {1} recipients and a server need not take more than {2}; send it in parts",
+                            recipients, kMaxRecipients));
     }
 }
 

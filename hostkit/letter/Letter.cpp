@@ -1,4 +1,5 @@
 #include <hostkit/attachments/Attachment.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Letter.h>
 #include <new>
@@ -42,7 +43,7 @@ void FillTexts(const Letter& letter, CMailDoc& doc) {
 void FillMailer(const std::string& mailer, CMailDoc& doc) {
     for (const char byte : mailer) {
         if (static_cast<unsigned char>(byte) > 0x7E)
-            throw Failure(FailureKind::Value, {Field::Mailer, "'" + mailer + "'"}, "give plain ASCII");
+            throw Failure(FailureKind::Value, {Field::Mailer, "'" + mailer + "'"}, Words("give plain ASCII"));
     }
     doc.SetMailerName(ToCodePage(mailer, Extent::Line, Missing::Refuse, {Field::Mailer}));
 }
