@@ -2,11 +2,14 @@
 
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 #include <nlohmann/json.hpp>
 
 #include <mailengine/support/platform/text/Unicode.h>
 
+using hostkit::CountedWords;
 using hostkit::OpenedMail;
+using hostkit::Words;
 
 namespace {
 
@@ -61,9 +64,9 @@ std::string ShownMail(const OpenedMail& opened, bool headers) {
     if (!opened.fault.empty()) return shown;
     shown += '\n';
     shown += hostkit::BodyShown(opened.body);
-    if (!opened.files.empty()) shown += "\nAttachments:\n";
+    if (!opened.files.empty()) shown += '\n' + Words("Attachments:") + '\n';
     for (const OpenedMail::File& file : opened.files) {
-        shown += "  " + hostkit::LineShown(file.name) + ", " + std::to_string(file.size) + " bytes";
+        shown += "  " + CountedWords(file.size, "{2}, {1} byte", "{2}, {1} bytes", hostkit::LineShown(file.name));
         if (!file.path.empty()) shown += ": " + hostkit::Shown(file.path.native());
         shown += '\n';
     }

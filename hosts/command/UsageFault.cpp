@@ -46,7 +46,7 @@ std::string WithNearest(const std::string& fault, std::string_view word, const s
 
 std::string UnknownOption(const CLI::App& command, const std::string& word) {
     const std::string option = word.substr(0, word.find('='));
-    const std::string fault = Words("{1}: there is no such option", option);
+    std::string fault = Words("{1}: there is no such option", option);
     if (!option.starts_with("--")) return fault;
     std::vector<std::string> names;
     for (const CLI::Option* known : command.get_options())

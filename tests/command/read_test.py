@@ -115,7 +115,7 @@ class ReadTest(unittest.TestCase):
         self.assertEqual({str(pathlib.Path(f["path"]).parent) for f in files}, {"out"})
         self.assertEqual((self.folder / "out" / "a.txt").read_text(), "mine")
         self.assertEqual(sorted(os.listdir(self.folder)), ["out", "tmp"])
-        self.assertIn("\n  a.txt, 1 bytes\n", self.run_it("read", data=data).decode())
+        self.assertIn("\n  a.txt, 1 byte\n", self.run_it("read", data=data).decode())
         self.assertEqual(sorted(os.listdir(self.folder)), ["out", "tmp"])
         self.opened(data, "--extract", "new/deep/")
         self.assertEqual(len(os.listdir(self.folder / "new/deep")), len(names))
