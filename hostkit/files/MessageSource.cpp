@@ -7,6 +7,9 @@
 #include <hostkit/files/MessageSource.h>
 #include <new>
 #include <string_view>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
 #include <utility>
 
 namespace hostkit {
@@ -21,6 +24,15 @@ constexpr std::size_t kPieceBytes = 64 * 1024;
 
 [[noreturn]] void Refuse(const fs::path& name, int error) {
     throw Failure(FailureKind::Input, {Field::None, name.native()}, Words("cannot be read: {1}", SystemWords(error)));
+}
+
+// What gives bytes for ever is no message, but would be read for one up to its largest size.
+void CheckEnds(int descriptor, const fs::path& name) {
+    struct stat status;
+    if (fstat(descriptor, &status) != 0 || !S_ISCHR(status.st_mode) || isatty(descriptor) != 0) return;
+    if (status.st_rdev == makedev(1, 3)) return;  // /dev/null, which ends at once
+    throw Failure(FailureKind::Input, {Field::None, name.native()},
+                  Words("is a device, which may never end; give a file"));
 }
 
 // The empty line that an mbox puts behind each message.
@@ -44,7 +56,7 @@ public:
     const fs::path& Name() const { return m_name; }
 
     bool IsMbox() {
-        while (m_bMayBeMbox && Rest().size() < kFrom.size() && Fill()) {
+        while (m_bMayBeMbox && !m_bDone && Rest().size() < kFrom.size() && Fill()) {
         }
         return m_bMayBeMbox && Rest().starts_with(kFrom);
     }
@@ -141,7 +153,9 @@ MessageSource::MessageSource(const fs::path& path) {
 }
 
 MessageSource::MessageSource(int descriptor, const std::string& name)
-    : m_pStream(std::make_unique<Stream>(descriptor, name)) {}
+    : m_pStream(std::make_unique<Stream>(descriptor, name)) {
+    CheckEnds(descriptor, name);
+}
 
 MessageSource::~MessageSource() = default;
 
@@ -165,6 +179,7 @@ bool MessageSource::OpenNext() {
         ++m_nLast;
         Refuse(file, errno);
     }
+    CheckEnds(opened.Number(), file);
     m_pStream = std::make_unique<Stream>(std::move(opened), file, !m_bMaildir);
     return true;
 }

@@ -6,6 +6,7 @@
 #include <hostkit/characters/Words.h>
 #include <hostkit/files/NewFile.h>
 #include <hostkit/files/WorkFolder.h>
+#include <map>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -50,6 +51,22 @@ std::string AccessListOf(const std::string& path) {
     return list;
 }
 
+// What its user noted at the file at path, by name.
+std::map<std::string, std::string> AttributesOf(const std::string& path) {
+    std::string names(64 * 1024, '\0');  // the most that the system gives, as below
+    const ssize_t size = listxattr(path.c_str(), names.data(), names.size());
+    names.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    std::map<std::string, std::string> attributes;
+    for (std::size_t at = 0; at < names.size(); at = names.find('\0', at) + 1) {
+        const std::string name = names.c_str() + at;
+        if (!name.starts_with("user.")) continue;
+        std::string value(64 * 1024, '\0');
+        const ssize_t bytes = getxattr(path.c_str(), name.c_str(), value.data(), value.size());
+        attributes[name] = value.substr(0, static_cast<std::size_t>(std::max<ssize_t>(bytes, 0)));
+    }
+    return attributes;
+}
+
 // A file system that knows no such step is no reason to stop.
 bool IsDone(int result) {
     return result == 0 || errno == EINVAL || errno == ENOTSUP;
@@ -73,12 +90,17 @@ NewFile::NewFile(const std::string& target, const std::string& name, const struc
     : m_strTarget(target), m_strName(name), m_bReplaces(old != nullptr) {
     m_bMayWriteInPlace = old != nullptr && unkept == Unkept::WriteInPlace;
     const bool isMade = Make(FolderOf(target), old == nullptr ? 0666 : 0600);
+    if (!isMade && old != nullptr && !m_bMayWriteInPlace) {
+        throw Failure(FailureKind::Unkept, {Field::None, name},
+                      Words("a new file cannot be made beside it: {1}", SystemWords(errno)));
+    }
     if (!isMade && !m_bMayWriteInPlace)
         Fail(errno, Marked("cannot be written: {1}; name a file in a folder that you can write to"));
     if (isMade && (old == nullptr || KeepsAllOf(*old))) return;
     if (!m_bMayWriteInPlace) {
-        throw Failure(FailureKind::Unkept, {Field::None, name},
-                      Words("a new file in its place cannot have its owner, group, permissions and access list"));
+        throw Failure(
+            FailureKind::Unkept, {Field::None, name},
+            Words("a new file in its place cannot have its owner, group, permissions, access list and attributes"));
     }
     m_bInPlace = true;
     if (!Make(TemporaryFolder().native() + "/", 0600)) Fail(errno, kUnchanged);
@@ -107,10 +129,14 @@ bool NewFile::KeepsAllOf(const struct stat& old) const {
         (void)fremovexattr(file, kAccessList);  // one that it has from its folder
     else
         (void)fsetxattr(file, kAccessList, list.data(), list.size(), 0);
+    const std::map<std::string, std::string> attributes = AttributesOf(m_strTarget);
+    for (const auto& [attribute, value] : attributes)
+        (void)fsetxattr(file, attribute.c_str(), value.data(), value.size(), 0);
     (void)fchmod(file, old.st_mode & kModeBits);
     struct stat now;
     return fstat(file, &now) == 0 && now.st_uid == old.st_uid && now.st_gid == old.st_gid &&
-           ((now.st_mode ^ old.st_mode) & kModeBits) == 0 && AccessListOf(PathOf(file)) == list;
+           ((now.st_mode ^ old.st_mode) & kModeBits) == 0 && AccessListOf(PathOf(file)) == list &&
+           AttributesOf(PathOf(file)) == attributes;
 }
 
 void NewFile::TakePlace() {

@@ -21,8 +21,8 @@ enum class Unkept {
 class NewFile {
 public:
     // A file to take target's place, an absolute path that name stands for in a failure. old is what stands there,
-    // which gives owner, group, permissions and access list; null: nothing does, and the umask and the folder give
-    // them. Throws Failure.
+    // which gives owner, group, permissions (the set-id bits too), access list and the attributes that a user set;
+    // null: nothing does, and the umask and the folder give them. Throws Failure.
     NewFile(const std::string& target, const std::string& name, const struct stat* old, Unkept unkept);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;

@@ -110,6 +110,9 @@ void OutputTarget::CheckWritten() const {
 void OutputTarget::Commit() {
     m_pStream->Close();
     CheckWritten();
+    if (const int error = m_straight.Close(); error != 0)  // where a file system finds its disk full at the end alone
+        Refuse(FailureKind::Output, m_strShown,
+               Words("cannot be written: {1}; the message there is not whole", SystemWords(error)));
     if (m_pFile) m_pFile->TakePlace();
 }
 

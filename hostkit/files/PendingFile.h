@@ -1,5 +1,6 @@
 // PendingFile: a file or a folder that is to be gone if the program ends before its work does. An entry lists the name
-// while it lives, and removes what has it at its own end. Any thread.
+// while it lives, and removes what has it at its own end. Entries may be made and ended in any thread, but
+// RemovePendingFiles must not run in one while another ends an entry.
 //
 // Nothing here touches signals. A program that wants to leave nothing behind when one ends it installs a handler of its
 // own that calls RemovePendingFiles; a program with a window need not.

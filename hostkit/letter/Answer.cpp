@@ -19,7 +19,6 @@ constexpr std::string_view kCrlf = "\r\n";
 constexpr std::string_view kFold = "\r\n\t";
 constexpr std::string_view kReplyPrefix = "Re: ";
 constexpr std::string_view kGeta = "〓";
-constexpr std::string_view kOriginalMessage = "\r\n----- Original Message -----\r\n";
 
 std::size_t GetasIn(std::string_view utf8) {
     std::size_t getas = 0;
@@ -244,7 +243,9 @@ void SetAnswerBody(CMailDoc& doc, const CString& answer, const CString& quoted) 
     CString body;
     if (doc.GetUpperReplyFlg()) {
         body += answer;
-        body += kOriginalMessage;
+        body += kCrlf;
+        body += CMailDoc::kOriginalMessage;
+        body += " -----\r\n";
         body += quoted;
     } else {
         body += quoted;

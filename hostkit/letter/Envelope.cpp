@@ -8,14 +8,15 @@
 #include <hostkit/letter/Envelope.h>
 #include <set>
 
+#include <mailengine/model/Recipients.h>
 #include <mailengine/support/ProgressCallback.h>
+#include <mailengine/transport/Smtp.h>
 #include <mailengine/writer/EMailWriter.h>
 
 namespace hostkit {
 
 namespace {
 
-constexpr unsigned int kMaxRecipients = 100;  // RFC 5321 4.5.3.1.8: what every server must take; the library's limit
 constexpr std::string_view kSmtpPort = "25";
 
 struct Server {
@@ -70,7 +71,8 @@ void SetServer(std::string_view text, CMailDoc& doc) {
     int port = 0;
     const char* const end = server.port.data() + server.port.size();
     const auto read = std::from_chars(server.port.data(), end, port);
-    if (server.host.empty() || read.ec != std::errc() || read.ptr != end || port < 1 || port > 65535)
+    if (server.host.empty() || server.host.find_first_of(" \t") != std::string_view::npos || read.ec != std::errc() ||
+        read.ptr != end || port < 1 || port > 65535)
         throw Failure(FailureKind::Value, {Field::Server, "'" + std::string(text) + "'"},
                       Words("give a host, or a host and a port as mail.example.jp:25"));
     doc.SetSendServer(ToCodePage(server.host, Extent::Line, Missing::Refuse, {Field::Server}), port);
@@ -88,13 +90,7 @@ std::vector<std::string> RecipientsOf(const CMailDoc& doc) {
     const auto add = [&](const std::string& address) {
         if (named.insert(Compared(address)).second) recipients.push_back(address);
     };
-    for (unsigned int i = 0; i < doc.GetToAddressSize(); ++i)
-        add(MailAddressOf(*doc.GetToAddress(i)));
-    for (unsigned int i = 0; i < doc.GetCcAddressSize(); ++i)
-        add(MailAddressOf(*doc.GetCcAddress(i)));
-    for (unsigned int i = 0; i < doc.GetBccAddressSize(); ++i)
-        add(MailAddressOf(*doc.GetBccAddress(i)));
-    if (doc.GetSenderBccFlg()) add(SenderOf(doc));
+    ForEachRecipient(doc, [&](const CAddress& address) { add(MailAddressOf(address)); });
     return recipients;
 }
 
@@ -102,10 +98,10 @@ void CheckEnvelope(const CMailDoc& doc) {
     const std::size_t recipients = RecipientsOf(doc).size();
     if (SenderOf(doc).empty()) throw Failure(FailureKind::Value, {Field::From}, Words("the mail has no sender"));
     if (recipients == 0) throw Failure(FailureKind::Value, {Field::To}, Words("the mail has no recipient"));
-    if (recipients > kMaxRecipients) {
+    if (recipients > CSmtp::kMaxRecipients) {
         throw Failure(FailureKind::Value, {Field::To},
                       Words("the mail has {1} recipients and a server need not take more than {2}; send it in parts",
-                            recipients, kMaxRecipients));
+                            recipients, static_cast<std::size_t>(CSmtp::kMaxRecipients)));
     }
 }
 

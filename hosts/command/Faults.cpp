@@ -80,7 +80,10 @@ void CheckDone(const hostkit::Outcome& outcome) {
     if (outcome.state == hostkit::Outcome::State::Unknown) throw CFailure(outcome.text, kExitUnknown);
     if (outcome.failure) throw *outcome.failure;
     if (!outcome) throw CFailure(outcome.text, kExitCancelled);
-    if (!outcome.text.empty()) terminal::Warn(outcome.text);
+    try {
+        if (!outcome.text.empty()) terminal::Warn(outcome.text);
+    } catch (const std::bad_alloc&) {  // what was to be done is done all the same
+    }
 }
 
 int ReportFault() {

@@ -1,5 +1,6 @@
 #include "ShownMail.h"
 
+#include <cctype>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/characters/Words.h>
@@ -15,6 +16,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
+constexpr char kUpperHex[] = "0123456789ABCDEF";
+
 ordered_json JsonOf(const std::vector<hostkit::Mailbox>& addresses) {
     ordered_json list = ordered_json::array();
     for (const hostkit::Mailbox& one : addresses)
@@ -22,11 +25,29 @@ ordered_json JsonOf(const std::vector<hostkit::Mailbox>& addresses) {
     return list;
 }
 
+// A path need not be UTF-8, and JSON must: then each byte that is no plain letter stands once more by its number, as in
+// a URI (RFC 3986 2.1).
+void AddPath(ordered_json& object, const std::string& key, const std::string& path) {
+    object[key] = path;
+    if (hostkit::IsUtf8(path)) return;
+    std::string escaped;
+    for (const char c : path) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool isPlain =
+            byte < 0x80 && (std::isalnum(byte) != 0 || std::string_view("-._~/").find(c) != std::string_view::npos);
+        if (isPlain)
+            escaped += c;
+        else
+            escaped.append({'%', kUpperHex[byte >> 4], kUpperHex[byte & 0xF]});
+    }
+    object[key + "Escaped"] = escaped;
+}
+
 ordered_json JsonOf(const std::vector<OpenedMail::File>& files) {
     ordered_json list = ordered_json::array();
     for (const OpenedMail::File& file : files) {
         ordered_json object = {{"name", file.name}, {"original", file.original}};
-        if (!file.path.empty()) object["path"] = file.path.native();
+        if (!file.path.empty()) AddPath(object, "path", file.path.native());
         object["size"] = file.size;
         list.push_back(std::move(object));
     }
@@ -74,7 +95,10 @@ std::string ShownMail(const OpenedMail& opened, bool headers) {
 }
 
 std::string JsonOfMail(const OpenedMail& opened, bool headers, const hostkit::MessageSource::Message& message) {
-    ordered_json object = {{"file", message.file.native()}, {"message", message.number}, {"ok", opened.fault.empty()}};
+    ordered_json object = ordered_json::object();
+    AddPath(object, "file", message.file.native());
+    object["message"] = message.number;
+    object["ok"] = opened.fault.empty();
     if (!opened.fault.empty()) object["error"] = opened.fault;
     object["subject"] = opened.subject;
     object["from"] = JsonOf(opened.from);

@@ -1,11 +1,13 @@
 #include "Terminal.h"
 
+#include <cerrno>
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/characters/Words.h>
 #include <hostkit/files/Descriptors.h>
 #include <unistd.h>
 
 #include "Faults.h"
+#include "StandardFiles.h"
 
 namespace {
 
@@ -42,6 +44,7 @@ void terminal::Put(const std::string& text) {
 
 void terminal::Finish() {
     Flush();
+    if (g_error == EBADF) CheckStandardOutput();
     if (g_error != 0)
         throw CFailure(hostkit::Words("standard output: cannot be written: {1}", hostkit::SystemWords(g_error)));
 }

@@ -193,6 +193,14 @@ class ReadTest(unittest.TestCase):
                           ["send", "--server", "h", "--answer", ""], ["send", "--server", ""], ["write", "-o", ""]):
             self.run_it(*arguments, status=2, complaints=["is empty"])
 
+    def test_a_file_that_gives_no_message_is_refused_once(self):
+        for arguments, words in (["/dev/zero"], "is a device"), (["/dev/stdin"], "cannot be read"):
+            result = subprocess.run(["sh", "-c", '"$0" read "$@" <&-', COMMAND, *arguments], capture_output=True, timeout=20)
+            self.assertEqual((result.returncode, result.stderr.decode().count(words)), (1, 1), result.stderr[:500])
+        name = "caf\xe9 %".encode("latin-1")
+        (self.folder / os.fsdecode(name)).write_bytes(mail())
+        self.assertEqual(self.opened(b"", name)["fileEscaped"], "caf%E9%20%25")
+
     def test_memory_that_ends_at_one_message_ends_that_alone(self):
         limited = ["prlimit", "--as=60000000", COMMAND]
         if subprocess.run([*limited, "--help"], capture_output=True).returncode != 0:

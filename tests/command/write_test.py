@@ -259,7 +259,8 @@ class WriteTest(unittest.TestCase):
         with open(self.out, "ab") as stdout:
             result = self.write("-o", "out.eml", capture_output=False, stdout=stdout, stderr=subprocess.PIPE)
         self.assert_fails(result, 1, "out.eml", "standard output")
-        self.assert_fails(self.write("-o", "/dev/fd/9"), 1, "/dev/fd/9", "closed")
+        for number in 9, 9999999:
+            self.assert_fails(self.write("-o", f"/dev/fd/{number}"), 1, f"/dev/fd/{number}", "closed")
         with open(COMMAND, "rb") as stdin:
             self.assert_fails(self.write("--body", "", "-o", "/dev/stdin", stdin=stdin), 1, "/dev/stdin", "reading alone")
 
