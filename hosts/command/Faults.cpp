@@ -96,6 +96,6 @@ int ReportFault() {
     } catch (const std::bad_alloc&) {
         return Fail(Words("there is not enough memory; give smaller texts"), kExitFailed);
     } catch (const std::exception& error) {
-        return Fail(error.what(), kExitFailed);
+        return Fail(Words("this should not have happened: {1}", error.what()), kExitFailed);
     }
 }

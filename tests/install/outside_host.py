@@ -163,6 +163,8 @@ with tempfile.TemporaryDirectory() as folder:
     scratch = pathlib.Path(folder)
     prefix = scratch / "prefix"
     run(args.cmake, "--install", args.build, "--prefix", prefix, stdout=subprocess.DEVNULL)
+    japanese = {"LC_ALL": "C.UTF-8", "LANGUAGE": "ja"}  # found from the library, wherever the tree is put
+    assert "使い方" in run(prefix / "bin/mailengine", "--help", env=japanese, capture_output=True).stdout
     check_headers(prefix / "include", "mailengine/mailengine.h")
     check_headers(prefix / "include", "hostkit/hostkit.h")
     check_headers(prefix / "include", "desktop/desktop.h")
