@@ -32,5 +32,6 @@
 #include <hostkit/letter/PartLimit.h>
 #include <hostkit/letter/SaveLetter.h>
 #include <hostkit/letter/SendLetter.h>
+#include <hostkit/outbox/MailProgram.h>
 #include <hostkit/settings/ByteCount.h>
 #include <hostkit/settings/Settings.h>

@@ -22,6 +22,10 @@ enum class FailureKind {
     Delivery,   // a server did not take the mail
     Login,      // and asks for a login or encryption, which the engine does not have
     Settings,   // the user's settings are wrong in one line
+    Later,      // the mail was not taken now; a later try may work
+    NoHost,     // it has a server that no name leads to
+    Rights,     // this user may not send so
+    Program,    // no program of a mail system is there
     System,     // this machine lacks what the work needs
 };
 

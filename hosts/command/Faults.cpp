@@ -59,6 +59,8 @@ const char* AdviceFor(const Failure& failure) {
         return Marked(
             "{1}; leave --server out, and this machine's mail system, once it is set up for that server, "
             "sends the mail");
+    if (failure.Kind() == FailureKind::Program)
+        return Marked("{1}; name a mail server by --server, or such a program by --sendmail");
     if (failure.Kind() != FailureKind::Uncarried) return "{1}";
     return failure.Where().field == Field::Attachment
                ? Marked("{1}; give the file another name")

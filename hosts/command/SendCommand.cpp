@@ -21,20 +21,20 @@ void PrintEnvelope(CMailDoc& doc) {
     terminal::Finish();
 }
 
-void Send(CMailDoc& doc, bool quiet) {
+void Send(CMailDoc& doc, const std::optional<hostkit::MailProgram>& program, bool quiet) {
     {
         CTerminalProgress progress("送信中", quiet);
-        CheckDone(hostkit::SendLetter(doc, [&](int percent) { return progress.Show(percent); }));
+        const auto show = [&](int percent) { return progress.Show(percent); };
+        CheckDone(program ? hostkit::SendLetter(doc, *program, show) : hostkit::SendLetter(doc, show));
     }
     if (!quiet) std::cerr << "送信しました。\n" << std::flush;
 }
 
 }  // namespace
 
-CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send a mail to a mail server") {
+CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send a mail") {
     m_letter.AddTo(*m_pCommand);
-    options::Filled(m_pCommand->add_option("--server", m_strServer, "The mail server; its port is 25 unless given"))
-        ->type_name("HOST[:PORT]");
+    m_way.AddTo(*m_pCommand);
     CLI::Option* answered = options::Filled(
         m_pCommand->add_option("--answer", m_strAnswered, "A mail to answer, as reply does; - is standard input"));
     m_answer.AddTo(*m_pCommand, *answered->type_name("FILE"));
@@ -44,16 +44,15 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
         "Texts are UTF-8. The recipients are those of --to, --cc and --bcc, the sender with --sender-bcc, and those\n"
         "of an answer, each once; they get the whole mail or nothing. Nobody can read who the blind copies go to.\n"
         "Ctrl-C cancels, a second one ends the program at once.\n"
-        "Exit status: 0 the server took the mail, 1 failed, 2 the command line is wrong, 76 the whole mail went out "
+        "Exit status: 0 the server or the mail system took the mail, 1 failed, 2 the command line is wrong, 76 the "
+        "whole mail went out "
         "but\n"
         "no verdict came (a second try may double it), 130 cancelled.");
 }
 
 int CSendCommand::Run() const {
     CMailDoc doc;
-    const std::optional<std::string>& server = m_strServer ? m_strServer : m_letter.Settings().server;
-    if (!server) throw CFailure("--server is required, here or in the settings", kExitUsage);
-    hostkit::SetServer(*server, doc);
+    const std::optional<hostkit::MailProgram> program = m_way.ProgramFor(m_letter.Settings(), doc);
     if (m_strAnswered.empty())
         m_letter.Letter().Fill(doc);
     else
@@ -62,6 +61,6 @@ int CSendCommand::Run() const {
     if (m_bDryRun)
         PrintEnvelope(doc);
     else
-        Send(doc, m_bQuiet);
+        Send(doc, program, m_bQuiet);
     return 0;
 }

@@ -1,9 +1,10 @@
-// CSendCommand: mailengine send, a mail from options to a mail server.
+// CSendCommand: mailengine send, a mail from options to a mail server or to this machine's mail system.
 #pragma once
 
 #include "AnswerOptions.h"
 #include "Command.h"
 #include "LetterOptions.h"
+#include "WayOut.h"
 
 class CSendCommand : public CCommand {
 public:
@@ -14,7 +15,7 @@ public:
 private:
     CLetterOptions m_letter;
     CAnswerOptions m_answer;
-    std::optional<std::string> m_strServer;
+    CWayOut m_way;
     std::string m_strAnswered;
     bool m_bDryRun = false;
     bool m_bQuiet = false;

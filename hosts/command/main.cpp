@@ -104,6 +104,7 @@ int main(int argc, char** argv) {
     // A closed pipe and a file that grows too large are failed writes, with their line on stderr.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL);  // where it is ignored, nobody learns how a program ended
     InstallSignalGuard();
     try {
         return Run(argc, argv);

@@ -2,6 +2,7 @@
 import json
 import pathlib
 import pwd
+import re
 import signal
 import socket
 import subprocess
@@ -14,11 +15,11 @@ PATIENCE = 60  # seconds for a server on a busy machine to come up, or to delive
 class Aiosmtpd:
     """Keeps the exact bytes and the envelope."""
 
-    def __init__(self, folder, size_limit=1 << 27):
+    def __init__(self, folder, size_limit=1 << 27, login=()):
         self.folder = pathlib.Path(folder)
         self.folder.mkdir()
         peer = pathlib.Path(__file__).with_name("smtp_peer.py")
-        self.process = subprocess.Popen(["/usr/bin/python3", peer, self.folder, str(size_limit)],
+        self.process = subprocess.Popen(["/usr/bin/python3", peer, self.folder, str(size_limit), *login],
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         words = self.process.stdout.readline().split()
         if words[:1] != ["ready"]:
@@ -136,6 +137,13 @@ class Postfix:
         self.wait_for(lambda: len(list(box.glob("*"))) >= count, "postfix did not deliver: "
                       + (self.folder / "mail.log").read_text(errors="replace")[-2000:])
         return [without_trace(path.read_bytes()) for path in sorted(box.glob("*"), key=lambda p: p.stat().st_mtime_ns)]
+
+
+CHANGES = re.compile(rb"(?m)^(Date|Message-ID): .*\n|BOUNDARY_\w+")  # what differs between two runs of the command
+
+
+def same(message):
+    return CHANGES.sub(b"", message)
 
 
 def without_trace(mail):
