@@ -11,7 +11,8 @@ CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject
     options::AddFiles(*m_pCommand, m_strFiles, "Messages, mboxes, Maildirs, folders; none or - is standard input");
     options::AddStrict(*m_pCommand, m_bStrict);
     m_pCommand->footer(
-        "One line each: of one message the subject, of many FILE, a TAB and the subject.\n"
+        "One line each: of one message the subject, of many FILE, with the number of a message in an mbox, a TAB and the\n"
+        "subject.\n"
         "Exit status: 0, or 1 if any message could not be read; the others are still shown.");
 }
 
@@ -22,8 +23,9 @@ int CSubjectCommand::Run() const {
 void CSubjectCommand::ShowSubject(CFoundMessage found) const {
     const hostkit::OpenedSubject opened = hostkit::OpenSubject(std::move(found.message.bytes), m_bStrict);
     const bool hasLabel = m_strFiles.size() > 1 || found.isOneOfMany;
-    terminal::Put((hasLabel ? hostkit::Shown(found.message.file.native()) + '\t' : "") +
-                  hostkit::Shown(opened.subject) + '\n');
+    const bool isInput = found.message.file == "-";
+    const std::string& label = isInput ? found.message.file.native() : found.message.name;
+    terminal::Put((hasLabel ? hostkit::Shown(label) + '\t' : "") + hostkit::Shown(opened.subject) + '\n');
     if (opened.fault.empty()) return;
     throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, found.message.name}, opened.fault);
 }

@@ -293,7 +293,7 @@ class ReadTest(unittest.TestCase):
         (self.folder / "flat" / "c").mkdir()
         box = b"".join(b"From x Thu Jan  1 00:00:00 1970\n" + m.replace(b"\r\n", b"\n") + b">From x\n\n" for m in (one, two, three))
         (self.folder / "box").write_bytes(box)
-        numbered = ["box\tone", "box\ttwo", "box\tthree"]
+        numbered = [f"box, message {number}\t{n}" for number, n in enumerate(("one", "two", "three"), 1)]
         for source, lines in ("dir", ["dir/new/2\tone", "dir/cur/1\ttwo"]), ("flat", ["flat/a\tone", "flat/b\tthree"]), ("box", numbered):
             self.assertEqual(self.run_it("subject", source).decode().splitlines(), lines)
         read = [json.loads(line) for line in self.run_it("read", "--json", data=box).splitlines()]
