@@ -4,6 +4,7 @@
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/DeliveryWords.h>
 #include <hostkit/letter/Envelope.h>
+#include <hostkit/letter/LetterWarning.h>
 #include <hostkit/letter/ProgressOperation.h>
 #include <hostkit/letter/SendLetter.h>
 
@@ -18,8 +19,9 @@ Outcome NotDone(Outcome::State state, const Failure& failure) {
     return {state, failure.what(), {}, failure};
 }
 
-Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc, const CarriedFiles& carried) {
-    if (result.outcome == CMailSendRecv::kTaken) return {Outcome::State::Done, carried.Warning()};
+Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc, const CarriedFiles& carried,
+                  const std::string& warning) {
+    if (result.outcome == CMailSendRecv::kTaken) return {Outcome::State::Done, warning};
     const std::string reason = carried.InUsersNames(ReasonOf(result, doc));
     if (result.outcome == CMailSendRecv::kUnknown)
         return NotDone(Outcome::State::Unknown,
@@ -40,11 +42,12 @@ Outcome SendLetter(CMailDoc& doc, const Progress& progress) {
         CheckEnvelope(doc);
         CheckAttachments(doc);
         const CarriedFiles carried(doc, Copied::All);
+        const std::string warning = LetterWarning(doc, carried);
         const BlindCopies blind(doc);
         ProgressOperation operation(Words("Sending"), doc.GetMailSize(), progress);
         const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, blind.Recipients(), operation.Engine());
         if (result.outcome == CMailSendRecv::kTaken) operation.Complete();
-        return OutcomeOf(result, doc, carried);
+        return OutcomeOf(result, doc, carried, warning);
     } catch (const Failure& failure) {
         return NotDone(Outcome::State::Failed, failure);
     }

@@ -74,6 +74,8 @@ class SendTest(unittest.TestCase):
                 self.assertEqual(same(stored), same(on_the_wire(self.message_of(*arguments))))
                 self.assertEqual(envelope["from"], "s@example.test")
                 self.assertEqual(len(envelope["to"]), 100 if name == "hundred" else 1)
+        result = self.send(server.port, "--from", "s@e.test", "--to", "a@e.test", "--subject", "x" * 990, "--body", "b")
+        self.assertEqual((result.returncode, b"999 bytes" in result.stderr), (0, True), result.stderr)
 
     def test_postfix_at_its_strictest(self):
         server = self.serve(Postfix(self.folder / "postfix"))
