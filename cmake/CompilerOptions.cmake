@@ -21,6 +21,12 @@ option(MAILENGINE_SANITIZE "Build with the address and undefined behaviour sanit
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion)
 add_compile_definitions(_GNU_SOURCE)  # memmem, fallocate, O_CLOEXEC; clang and g++ agree on what libc shows
+# Files above 2 GiB and times after 2038 on machines of 32 bits. Public headers hold a struct stat, so hosts say the same.
+set(MAILENGINE_WIDE_TYPES "")
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(MAILENGINE_WIDE_TYPES _FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
+add_compile_definitions(${MAILENGINE_WIDE_TYPES})
 if(MAILENGINE_WERROR)
   add_compile_options(-Werror)
 endif()

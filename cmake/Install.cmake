@@ -27,6 +27,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mailengine-config-version.cmake DESTIN
 
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_from_pkgconfig /${pkgconfig_dir} /)
+list(TRANSFORM MAILENGINE_WIDE_TYPES PREPEND " -D" OUTPUT_VARIABLE wide_flags)
+list(JOIN wide_flags "" wide_flags)
 foreach(name ${pkgconfig_names})
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})

@@ -12,6 +12,7 @@ function(mailengine_library name export_name)
   add_library(mailengine::${export_name} ALIAS ${name})
   target_include_directories(${name}-whole PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
   target_compile_features(${name} PUBLIC cxx_std_20)
+  target_compile_definitions(${name} PUBLIC ${MAILENGINE_WIDE_TYPES})
   target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR})
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                            EXPORT_NAME ${export_name} LINK_DEPENDS ${hidden_map})

@@ -83,6 +83,8 @@ public:
         FormatArgument(unsigned int value) : m_integer(value) {}
         FormatArgument(long value) : m_integer(value) {}
         FormatArgument(unsigned long value) : m_integer(static_cast<std::int64_t>(value)) {}
+        FormatArgument(long long value) : m_integer(value) {}
+        FormatArgument(unsigned long long value) : m_integer(static_cast<std::int64_t>(value)) {}
         FormatArgument(double value) : m_real(value) {}
 
     private:
