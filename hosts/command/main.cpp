@@ -4,19 +4,14 @@
 #include <csignal>
 #include <hostkit/characters/Words.h>
 #include <malloc.h>
-#include <memory>
 
+#include "Commands.h"
 #include "Faults.h"
 #include "HelpTexts.h"
-#include "ReadCommand.h"
-#include "ReplyCommand.h"
-#include "SendCommand.h"
 #include "SignalGuard.h"
 #include "StandardFiles.h"
-#include "SubjectCommand.h"
 #include "Terminal.h"
 #include "UsageFault.h"
-#include "WriteCommand.h"
 
 using hostkit::Words;
 
@@ -66,14 +61,8 @@ private:
 };
 
 int Run(int argc, char** argv) {
-    CLI::App program("", "mailengine");
-    program.description("Writes, sends, reads and answers Japanese mails as Internet messages.");
-    program.require_subcommand(0, 1);
-    const std::unique_ptr<const CCommand> commands[] = {
-        std::make_unique<CWriteCommand>(program), std::make_unique<CReplyCommand>(program),
-        std::make_unique<CReadCommand>(program),  std::make_unique<CSubjectCommand>(program),
-        std::make_unique<CSendCommand>(program),
-    };
+    CLI::App program;
+    const auto commands = AddCommands(program);
     const CHelp help(program);
     TranslateHelp(program);
     try {
