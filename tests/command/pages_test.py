@@ -27,7 +27,7 @@ def completed_by_fish(command):
 
 
 zsh = (done / "_mailengine").read_text(encoding="utf-8")
-commands = re.findall(r"^  ([a-z]+) ", run(program, "--help").split("Subcommands:")[1], re.M)
+commands = re.findall(r"^  ([a-z]+) ", run(program, "--help").split("Commands:")[1], re.M)
 assert commands.pop() == "help"  # which tells what --help tells
 assert {path.stem for path in folder.glob("en/man1/*")} == {"mailengine", *(f"mailengine-{c}" for c in commands)}
 for command in commands:

@@ -2,10 +2,11 @@
 // completions are made from it (pages.py), so they tell what --help tells. Built and run with the tree, not installed.
 #include <CLI/CLI.hpp>
 #include <clocale>
-#include <hosts/command/Commands.h>
-#include <hosts/command/HelpTexts.h>
 #include <iostream>
 #include <nlohmann/json.hpp>
+
+#include "Commands.h"
+#include "HelpTexts.h"
 
 namespace {
 

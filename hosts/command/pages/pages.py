@@ -55,8 +55,10 @@ class Pages:
         notes = [self.word("Required.")] if option["required"] else []
         for key, sentence in (("excludes", "Not together with {}."), ("needs", "Only with {}.")):
             notes += [self.word(sentence).format(", ".join(option[key]))] if option[key] else []
-        help_text = option["help"].rstrip(".。") + ("。" if self.args.language == "ja" else ".")
-        return [".TP", names, roff(whole_sentences(help_text)), *map(roff, notes)]
+        return [".TP", names, roff(whole_sentences(self.sentence(option["help"]))), *map(roff, notes)]
+
+    def sentence(self, text):
+        return text.rstrip(".。") + ("。" if self.args.language == "ja" else ".")
 
     def options(self, app):
         positions = [option for option in app["options"] if option["position"]]
@@ -76,8 +78,8 @@ class Pages:
         """What stands below the options: what the command does, and its exit status."""
         text, _, status = re.sub(r"^(Exit status|終了ステータス|終了コード)[:：] *", "\0", app["footer"],
                                  flags=re.M).partition("\0")
-        lines = [*self.section("DESCRIPTION"), roff(app["description"].rstrip(".。") + "."[:self.args.language == "en"]),
-                 *(["." + "PP", roff(whole_sentences(text))] if text.strip() else [])]
+        lines = [*self.section("DESCRIPTION"), roff(self.sentence(app["description"])),
+                 *([".PP", roff(whole_sentences(text))] if text.strip() else [])]
         return lines, [*self.section("EXIT STATUS"), roff(whole_sentences(status))] if status else []
 
     def see_also(self, but):
