@@ -28,9 +28,8 @@ inline Decoded DecodeInto(Decoder decode, const CString& text, unsigned int capa
     Decoded out;
     out.result = decode(text, buffer.get(), capacity, written);
     Require(written <= capacity, "no more bytes than the capacity");
-    Require(out.result == 0 ||
-                std::count(buffer.get() + written, buffer.get() + capacity, kUntouched) ==
-                    static_cast<std::ptrdiff_t>(capacity - written),
+    Require(out.result == 0 || std::count(buffer.get() + written, buffer.get() + capacity, kUntouched) ==
+                                   static_cast<std::ptrdiff_t>(capacity - written),
             "nothing is touched behind the result");
     out.bytes.assign(reinterpret_cast<const char*>(buffer.get()), written);
     return out;
