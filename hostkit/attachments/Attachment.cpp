@@ -33,19 +33,24 @@ struct stat StatusOf(const std::filesystem::path& path) {
     return status;
 }
 
-[[noreturn]] void RefuseName(const std::filesystem::path& path, bool isQuote) {
-    throw Failure(FailureKind::Value, Named(path),
-                  isQuote
-                      ? Words("its name holds a double quote, which a message cannot carry; give the file another name")
-                      : Words("its name holds a control character, which a message cannot carry; give the file "
-                              "another name"));
+[[noreturn]] void RefuseName(const std::filesystem::path& path, const std::string& fact) {
+    throw Failure(FailureKind::Value, Named(path), fact);
 }
 
+// The library takes a backslash for a separator: what stands in front of one would name a folder.
 void CheckBytes(const std::filesystem::path& path) {
     const std::filesystem::path name = path.filename();
     for (const char ch : name.native()) {
         const auto byte = static_cast<unsigned char>(ch);
-        if (byte < 0x20 || byte == 0x7F || byte == '"') RefuseName(path, byte == '"');
+        if (byte == '"')
+            RefuseName(path, Words("its name holds a double quote, which a message cannot carry; give the file "
+                                   "another name"));
+        if (byte == '\\')
+            RefuseName(path,
+                       Words("its name holds a backslash, which a message cannot carry; give the file another name"));
+        if (byte < 0x20 || byte == 0x7F)
+            RefuseName(path, Words("its name holds a control character, which a message cannot carry; give the file "
+                                   "another name"));
     }
 }
 

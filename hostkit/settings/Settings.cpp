@@ -17,7 +17,7 @@ namespace hostkit {
 namespace {
 
 constexpr std::size_t kMaxBytes = 1u << 20;
-constexpr std::string_view kBlanks = " \t\r\f\v";
+constexpr std::string_view kBlanks = " \t\r\f";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr char kListSeparator = ';';
 
@@ -163,7 +163,9 @@ private:
 
     void Take(const Key& key, Settings& settings) const {
         try {
-            for (const std::string& value : ValuesOf(key)) {
+            const std::vector<std::string> values = ValuesOf(key);
+            if (values.empty()) throw Failure(FailureKind::Value, {}, Words("is empty; take it out"));
+            for (const std::string& value : values) {
                 if (value.empty()) throw Failure(FailureKind::Value, {}, Words("is empty; take it out"));
                 key.take(value, settings);
             }

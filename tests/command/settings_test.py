@@ -14,7 +14,7 @@ BAD = (  # what stands behind the first group, the line, and what is said of it
     ("[sned]", 2, r"no group is named \[sned\]; the groups are \[user\], \[send\]"),
     ("form = a@b", 2, r"no key of \[user\] is named form; it has from, own, reply-to, signature"),
     ("own = a@b\n\nown = c@d", 4, "own stands in line 2 too"), ("x", 2, "is neither .*"), ("=x", 2, "is neither .*"),
-    ("from = a@b\nown = a@b; c", 3, "own 'c': .*"), ("from = ", 2, "from: is empty; take it out"),
+    ("from = a@b\nown = a@b; c", 3, "own 'c': .*"), ("from = ", 2, "from: is empty; take it out"), ("own = ", 2, "own: .*"),
     ("signature = a\\n😀", 2, "signature: line 2, column 1: 😀 .*"), ("signature = \\q", 2, "signature: a backslash begins .*"),
     ("own = a@b\nfrom = \xff@b".encode("latin-1"), 3, "is not UTF-8.*"), ("from = a\0@b", 2, "is not UTF-8.*"),
     ("[send]\nserver = h:x", 3, "server 'h:x': .*"), ("[send]\ncopy = sent", 3, "copy 'sent': .*"),

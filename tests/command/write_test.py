@@ -130,6 +130,7 @@ class WriteTest(unittest.TestCase):
         (self.folder / "sjis").write_bytes(b"\x93\xfa")
         (self.folder / 'a".txt').touch()
         (self.folder / "a\n.txt").touch()
+        (self.folder / "..\\a").touch()
         (self.folder / "😀.txt").touch()
         (self.folder / os.fsdecode(b"\xff")).touch()
         os.mkfifo(self.folder / "fifo")
@@ -152,7 +153,8 @@ class WriteTest(unittest.TestCase):
             (["--attach", "none"], ["--attach none", "No such file"]),
             (["--attach", "."], ["--attach .: is a folder"]), (["--attach", "no/x"], ["the folder no cannot be reached"]),
             (["--attach", "fifo"], ["regular file"]),
-            (["--attach", 'a".txt'], ["double quote"]), (["--attach", "a\n.txt"], ["a\\x0A.txt", "control"]),
+            (["--attach", 'a".txt'], ["double quote"]), (["--attach", "..\\a"], ["backslash"]),
+            (["--attach", "a\n.txt"], ["a\\x0A.txt", "control"]),
             (["--attach", "😀.txt"], ["--attach 😀.txt: its name: 😀 (U+1F600)", "another name"]),
             (["--attach", os.fsdecode(b"\xff")], ["its name is not UTF-8"]),
         ):
