@@ -17,6 +17,7 @@
 #include <hostkit/files/NewFile.h>
 #include <hostkit/files/OutputTarget.h>
 #include <hostkit/files/PendingFile.h>
+#include <hostkit/files/PrivateFile.h>
 #include <hostkit/files/TargetFolder.h>
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/gateway/CharacterTable.h>
@@ -35,3 +36,4 @@
 #include <hostkit/outbox/MailProgram.h>
 #include <hostkit/settings/ByteCount.h>
 #include <hostkit/settings/Settings.h>
+#include <hostkit/letter/answer/Forward.h>

@@ -11,6 +11,8 @@ const char* LabelOf(Field field) {
             return "";
         case Field::From:
             return Marked("From");
+        case Field::Own:
+            return Marked("own address");
         case Field::ReplyTo:
             return Marked("Reply-To");
         case Field::To:

@@ -33,6 +33,7 @@ enum class FailureKind {
 enum class Field {
     None,
     From,
+    Own,  // another address of the sender's
     ReplyTo,
     To,
     Cc,

@@ -119,6 +119,16 @@ CAddress AddressOf(const std::string& text, Missing missing, Field field) {
     return address;
 }
 
+std::string MailAddressIn(const std::string& text, Field field) {
+    return FromCodePage(AddressOf(text, Missing::Replace, field).GetMailAddress().View());
+}
+
+std::string ComparedAddress(std::string mailAddress) {
+    for (std::size_t i = mailAddress.rfind('@'); i < mailAddress.size(); ++i)
+        mailAddress[i] = g_ascii_tolower(mailAddress[i]);
+    return mailAddress;
+}
+
 void DropQuotes(CAddress& address) {
     const CString name = address.GetDisplayName();
     const std::string_view view = name.View();

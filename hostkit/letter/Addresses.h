@@ -15,6 +15,14 @@ namespace hostkit {
 // header field cannot carry.
 HOSTKIT_API CAddress AddressOf(const std::string& text, Missing missing, Field field);
 
+// The mail address alone of such a text. Throws Failure.
+HOSTKIT_API std::string MailAddressIn(const std::string& text, Field field);
+
+// The mail address in the form by which two are one mailbox, as the engine compares them: the domain in small letters
+// (RFC 5321 2.4). Local parts that differ in their case are two: a mail that comes twice does less harm than one that
+// never comes.
+std::string ComparedAddress(std::string mailAddress);
+
 // Takes the double quotes off that FromText leaves around a Japanese name: readers would see them.
 void DropQuotes(CAddress& address);
 

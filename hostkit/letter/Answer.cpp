@@ -1,13 +1,15 @@
 #include <algorithm>
 #include <hostkit/characters/MailText.h>
-#include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
+#include <hostkit/gateway/entities/Fields.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Answer.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/HeaderValues.h>
 #include <hostkit/letter/PartLimit.h>
 #include <hostkit/letter/StoredMail.h>
-#include <new>
+#include <hostkit/letter/answer/Identifiers.h>
+#include <hostkit/letter/answer/Recipients.h>
 
 #include <mailengine/parser/EMailPerser.h>
 
@@ -16,7 +18,6 @@ namespace hostkit {
 namespace {
 
 constexpr std::string_view kCrlf = "\r\n";
-constexpr std::string_view kFold = "\r\n\t";
 constexpr std::string_view kReplyPrefix = "Re: ";
 constexpr std::string_view kGeta = "〓";
 
@@ -63,83 +64,23 @@ void CleanSubject(const StoredMail& mail, CMailDoc& doc) {
     doc.SetSubject(HasReplyPrefix(subject.View()) ? subject : CString(kReplyPrefix) + subject);
 }
 
-// Printable ASCII alone: these values go out as they are, without an encoded word.
-std::string PlainBytes(std::string_view text) {
-    std::string plain;
-    for (const char byte : text) {
-        if (byte >= ' ' && byte <= '~') plain += byte;
-    }
-    const std::size_t first = plain.find_first_not_of(' ');
-    return first == std::string::npos ? "" : plain.substr(first, plain.find_last_not_of(' ') - first + 1);
+// A mail that names no thread but the one mail that it answers gives a thread of both (RFC 5322 3.6.4). The gateway has
+// seen to that in what it rewrote.
+std::string AnsweredBefore(const StoredMail& mail, const HeaderValues& header) {
+    if (!header.references.IsEmpty() || mail.Gateway().changed) return "";
+    std::size_t bodyTop = 0;
+    const gateway::Header fields = gateway::ReadHeader(mail.ForParser().View(), bodyTop);
+    const gateway::Field* const field = fields.Find("In-Reply-To");
+    const std::string value = field == nullptr ? "" : gateway::Unfold(field->raw);
+    return std::count(value.begin(), value.end(), '<') == 1 ? value : "";
 }
 
-// A parsed field has lost its folds, and its identifiers stand side by side, or a blank apart; each gets a line again.
-void AppendFolded(std::string& folded, std::string_view entries) {
-    const std::string plain = PlainBytes(entries);
-    if (!folded.empty() && !plain.empty()) folded += kFold;
-    char before = '\0';
-    for (const char ch : plain) {
-        if (before == '>' && ch == ' ') continue;
-        if (before == '>' && ch == '<') folded += kFold;
-        folded += ch;
-        before = ch;
-    }
-}
-
-void CleanReferences(CMailDoc& doc) {
+void CleanReferences(const StoredMail& mail, const HeaderValues& header, CMailDoc& doc) {
     CString value;
     doc.GetInReplyTo(value);
     doc.SetInReplyTo(CString(PlainBytes(value.View())));
     doc.GetReferences(value);
-    std::string folded;
-    std::string_view rest = value.View();
-    for (std::size_t fold = 0; fold != std::string_view::npos;) {
-        fold = rest.find(kFold);
-        AppendFolded(folded, rest.substr(0, fold));
-        if (fold != std::string_view::npos) rest.remove_prefix(fold + kFold.size());
-    }
-    doc.SetReferences(CString(std::move(folded)));
-}
-
-// What CheckAddress lets pass can still be two addresses, or end the path of an SMTP command (RFC 5321 4.1.2).
-bool CanBeSentTo(const CString& mailAddress) {
-    CString message;
-    if (!CAddress::CheckAddress(mailAddress, message)) return false;
-    for (const char byte : mailAddress.View()) {
-        if (byte <= ' ' || byte > '~' || std::string_view("<>,;()").find(byte) != std::string_view::npos) return false;
-    }
-    return true;
-}
-
-// A backslash would go out undoubled, and one at the end of a plain name would swallow the quote behind it.
-CString CleanName(const std::string& displayName) {
-    CString name = Carried(displayName, Extent::Line);
-    name.Replace('\\', '/');
-    return name;
-}
-
-std::vector<CAddress> CleanAddresses(const std::vector<Mailbox>& parsed, std::vector<std::string>& warnings) {
-    std::vector<CAddress> cleaned;
-    for (const Mailbox& mailbox : parsed) {
-        const CString mailAddress = Carried(mailbox.address, Extent::Line);
-        if (CanBeSentTo(mailAddress)) {
-            cleaned.emplace_back("", CleanName(mailbox.name), mailAddress);
-        } else if (!mailAddress.IsEmpty()) {
-            warnings.push_back("the address '" + Shown(mailbox.address) +
-                               "' of the answered mail is left out: it cannot be sent to");
-        }
-    }
-    return cleaned;
-}
-
-std::vector<Mailbox> MailboxesOf(const StoredMail& mail, std::vector<CAddress> addresses) {
-    std::vector<Mailbox> mailboxes;
-    for (CAddress& address : addresses) {
-        DropQuotes(address);
-        mailboxes.push_back(
-            {mail.TextOf(address.GetDisplayName().View()), mail.TextOf(address.GetMailAddress().View())});
-    }
-    return mailboxes;
+    doc.SetReferences(CString(FoldedIdentifiers(AnsweredBefore(mail, header) + std::string(value.View()))));
 }
 
 // Appends the lines of text with prefix in front of each, and CRLF.
@@ -159,57 +100,6 @@ std::string_view WithoutLastLineEnds(std::string_view text) {
     return text;
 }
 
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    for (char& ch : lower) {
-        if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
-    }
-    return lower;
-}
-
-using MailAddresses = std::vector<std::string>;
-
-void Drop(const MailAddresses& dropped, std::vector<CAddress>& addresses) {
-    std::erase_if(addresses, [&](const CAddress& address) {
-        const std::string mailAddress = Lower(address.GetMailAddress().View());
-        return std::any_of(dropped.begin(), dropped.end(),
-                           [&](const std::string& one) { return Lower(one) == mailAddress; });
-    });
-}
-
-// Who wrote the mail, or who the answers go to instead; nobody of a mail of the user's own.
-std::vector<CAddress> ToWhom(const StoredMail& mail, const MailAddresses& own, std::vector<CAddress> senders,
-                             std::vector<std::string>& warnings) {
-    const bool hasSender = !senders.empty();
-    Drop(own, senders);
-    if (hasSender && senders.empty()) return {};
-    std::vector<CAddress> instead;
-    if (mail.IsPassed()) instead = CleanAddresses(mail.Gateway().replyTo, warnings);
-    Drop(own, instead);
-    return instead.empty() ? senders : instead;
-}
-
-void SetRecipients(const StoredMail& mail, const AnswerOptions& options, CMailDoc& doc,
-                   std::vector<std::string>& warnings) {
-    const auto cleaned = [&](unsigned int size, AddressAt addressAt) {
-        return CleanAddresses(MailboxesOf(mail, AddressesOf(doc, size, addressAt)), warnings);
-    };
-    const std::vector<CAddress> senders = cleaned(doc.GetToAddressSize(), &CMailDoc::GetToAddress);
-    std::vector<CAddress> cc = cleaned(doc.GetCcAddressSize(), &CMailDoc::GetCcAddress);
-    std::vector<CAddress> to = ToWhom(mail, options.own, senders, warnings);
-    Drop(options.own, cc);
-    if (!senders.empty() && to.empty())
-        to.swap(cc);
-    else if (options.audience == Audience::Sender)
-        cc.clear();
-    if (mail.IsPassed() && !mail.Gateway().replyTo.empty())  // a list can stand in To and in Reply-To
-        for (const CAddress& address : to)
-            Drop({std::string(address.GetMailAddress().View())}, cc);
-    doc.ClearToAddresses();
-    doc.ClearCcAddresses();
-    if (!doc.AddToAddresses(to) || !doc.AddCcAddresses(cc)) throw std::bad_alloc();
-}
-
 CStringArray NamesOf(const StoredMail& mail, Carrier& carrier) {
     CStringArray names;
     if (mail.Gateway().changed) {
@@ -225,11 +115,11 @@ CStringArray NamesOf(const StoredMail& mail, Carrier& carrier) {
 
 // The old mail as the answer shows it: its summary, which becomes that of doc too, and its body with "> " on each line.
 // Lines end in CRLF, the last one too. doc is as Perse prepared it.
-CString QuotedMail(const StoredMail& mail, Carrier& carrier, CMailDoc& doc) {
+CString QuotedMail(const StoredMail& mail, const HeaderValues& header, Carrier& carrier, CMailDoc& doc) {
     CString body;
     doc.GetBody(body);
-    CString quoted = SummaryOf(HeaderOf(mail.ForParser()), NamesOf(mail, carrier),
-                               [&](std::string_view value) { return carrier.LineOf(value); });
+    CString quoted =
+        SummaryOf(header, NamesOf(mail, carrier), [&](std::string_view value) { return carrier.LineOf(value); });
     doc.SetOriginalSummary(quoted);
     quoted += kCrlf;
     const CString carried = carrier.Letter(body);
@@ -255,6 +145,33 @@ void SetAnswerBody(CMailDoc& doc, const CString& answer, const CString& quoted) 
     doc.SetBody(body);
 }
 
+std::vector<std::string> OwnOf(const Letter& letter, const AnswerOptions& options) {
+    std::vector<std::string> own = options.own;
+    if (letter.from) own.push_back(MailAddressIn(*letter.from, Field::From));
+    return own;
+}
+
+std::string TextOf(const CAddress& address) {
+    const std::string mailAddress = FromCodePage(address.GetMailAddress().View());
+    const std::string name = FromCodePage(address.GetDisplayName().View());
+    return name.empty() ? mailAddress : name + " <" + mailAddress + '>';
+}
+
+std::vector<std::string> TextsOf(const std::vector<CAddress>& addresses) {
+    std::vector<std::string> texts;
+    texts.reserve(addresses.size());
+    for (const CAddress& address : addresses)
+        texts.push_back(TextOf(address));
+    return texts;
+}
+
+std::optional<std::string> ValueOf(const CMailDoc& doc, void (CMailDoc::*value)(CString&) const) {
+    CString text;
+    (doc.*value)(text);
+    if (text.IsEmpty()) return std::nullopt;
+    return FromCodePage(text.View());
+}
+
 }  // namespace
 
 std::vector<std::string> PrepareAnswer(std::string message, const Letter& letter, CMailDoc& doc,
@@ -264,21 +181,36 @@ std::vector<std::string> PrepareAnswer(std::string message, const Letter& letter
     MailFault fault;
     if (reason.empty() && !CEMailPerser().Perse(mail.ForParser(), nullptr, doc, 1, fault)) reason = FaultText(fault);
     if (!reason.empty()) throw Failure(FailureKind::Message, {Field::None, options.name}, reason);
+    const HeaderValues header = HeaderOf(mail.ForParser());
     Carrier carrier(mail);
-    const CString quoted = QuotedMail(mail, carrier, doc);
+    const CString quoted = QuotedMail(mail, header, carrier, doc);
     std::vector<std::string> warnings;
-    SetRecipients(mail, options, doc, warnings);
+    SetRecipients(mail, header, options.audience, OwnOf(letter, options), doc, warnings);
     CleanSubject(mail, doc);
-    CleanReferences(doc);
+    CleanReferences(mail, header, doc);
     doc.SetBody("");
     letter.Fill(doc);
+    DropRepeated(doc);
     CString answer;
     doc.GetBody(answer);
     SetAnswerBody(doc, answer, quoted);
     if (carrier.Lost() > 0)
-        warnings.push_back(std::to_string(carrier.Lost()) +
-                           " characters of the answered mail are 〓 in the answer: a Japanese mail cannot carry them");
+        warnings.push_back(CountedWords(
+            carrier.Lost(), "{1} character of the answered mail is 〓 in the answer: a Japanese mail cannot carry it",
+            "{1} characters of the answered mail are 〓 in the answer: a Japanese mail cannot carry them"));
     return warnings;
+}
+
+PreparedAnswer AnswerOf(std::string message, const Letter& letter, const AnswerOptions& options) {
+    CMailDoc doc;
+    PreparedAnswer answer{letter, PrepareAnswer(std::move(message), letter, doc, options)};
+    answer.letter.to = TextsOf(AddressesOf(doc, doc.GetToAddressSize(), &CMailDoc::GetToAddress));
+    answer.letter.cc = TextsOf(AddressesOf(doc, doc.GetCcAddressSize(), &CMailDoc::GetCcAddress));
+    answer.letter.subject = ValueOf(doc, &CMailDoc::GetSubject);
+    answer.letter.body = ValueOf(doc, &CMailDoc::GetBody);
+    answer.letter.inReplyTo = ValueOf(doc, &CMailDoc::GetInReplyTo);
+    answer.letter.references = ValueOf(doc, &CMailDoc::GetReferences);
+    return answer;
 }
 
 }  // namespace hostkit

@@ -4,6 +4,7 @@
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Words.h>
+#include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/BlindCopies.h>
 #include <hostkit/letter/Envelope.h>
 #include <set>
@@ -57,13 +58,6 @@ std::string MailAddressOf(const CAddress& address) {
     return FromCodePage(address.GetMailAddress().View());
 }
 
-// As the engine compares them: of the two halves only the domain knows no case (RFC 5321 2.4).
-std::string Compared(std::string address) {
-    for (std::size_t i = address.rfind('@'); i < address.size(); ++i)
-        if (address[i] >= 'A' && address[i] <= 'Z') address[i] = static_cast<char>(address[i] - 'A' + 'a');
-    return address;
-}
-
 }  // namespace
 
 void SetServer(std::string_view text, CMailDoc& doc) {
@@ -88,7 +82,7 @@ std::vector<std::string> RecipientsOf(const CMailDoc& doc) {
     std::vector<std::string> recipients;
     std::set<std::string> named;
     const auto add = [&](const std::string& address) {
-        if (named.insert(Compared(address)).second) recipients.push_back(address);
+        if (named.insert(ComparedAddress(address)).second) recipients.push_back(address);
     };
     ForEachRecipient(doc, [&](const CAddress& address) { add(MailAddressOf(address)); });
     return recipients;

@@ -2,6 +2,7 @@
 #include <hostkit/characters/Words.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Letter.h>
+#include <hostkit/letter/answer/Identifiers.h>
 #include <new>
 
 namespace hostkit {
@@ -39,6 +40,11 @@ void FillTexts(const Letter& letter, CMailDoc& doc) {
     fill(letter.signature, &CMailDoc::SetSignature, {Field::Signature});
 }
 
+void FillThread(const Letter& letter, CMailDoc& doc) {
+    if (letter.inReplyTo) doc.SetInReplyTo(CString(PlainBytes(*letter.inReplyTo)));
+    if (letter.references) doc.SetReferences(CString(FoldedIdentifiers(*letter.references)));
+}
+
 // The field goes out as it is, without an encoded word.
 void FillMailer(const std::string& mailer, CMailDoc& doc) {
     for (const char byte : mailer) {
@@ -62,6 +68,7 @@ void FillAttachments(const std::vector<std::filesystem::path>& attachments, CMai
 void Letter::Fill(CMailDoc& doc) const {
     FillAddresses(*this, doc);
     FillTexts(*this, doc);
+    FillThread(*this, doc);
     FillAttachments(attachments, doc);
     FillMailer(mailer, doc);
     if (senderBcc) doc.SetSenderBccFlg(1);

@@ -18,6 +18,9 @@ struct HOSTKIT_API Letter {
     std::optional<std::string> subject;  // one line, as all above
     // Many lines, with any line ends.
     std::optional<std::string> dear, greeting, body, closing, signature;
+    // Of an answer: the message identifier of the mail that it answers, and those of the thread down to it, a blank
+    // apart (RFC 5322 3.6.4). What is not printable ASCII is left out.
+    std::optional<std::string> inReplyTo, references;
     std::string bodyFile;               // where the body came from, for a failure to name; empty: it was typed
     std::string mailer = "mailengine";  // the name of the mail program, plain ASCII
     std::vector<std::filesystem::path> attachments;

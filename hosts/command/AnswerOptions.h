@@ -3,6 +3,8 @@
 
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "LetterOptions.h"
 
@@ -18,6 +20,8 @@ public:
     std::filesystem::path Answer(const std::string& file, const CLetterOptions& letter, CMailDoc& doc) const;
 
 private:
+    std::vector<std::string> m_strOwn;
     std::optional<std::size_t> m_nMessage;
+    bool m_bAll = false;
     bool m_bStrict = false;
 };

@@ -18,6 +18,8 @@ const char* OptionOf(Field field) {
             return "";
         case Field::From:
             return "--from";
+        case Field::Own:
+            return "--own";
         case Field::ReplyTo:
             return "--reply-to";
         case Field::To:

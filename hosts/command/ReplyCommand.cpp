@@ -14,9 +14,11 @@ CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Wr
     m_letter.AddTo(*m_pCommand);
     m_output.AddTo(*m_pCommand);
     m_pCommand->footer(
-        "The old mail gives To (its Reply-To, else who wrote it), Cc (its other recipients), the subject with \"Re: "
-        "\", and the thread.\n"
-        "--to and --cc add to these, --subject replaces. The body is the old mail, quoted, and below it --body; with\n"
+        "The answer goes to the old mail's Reply-To, else to who wrote it, with --all to its other recipients too; to\n"
+        "none of your own addresses (--from, --own), and to each recipient once. The answer to a mail of your own "
+        "goes\n"
+        "to its recipients. --to and --cc add to these. The subject is the old one with \"Re: \", or --subject.\n"
+        "The body is the old mail, quoted, and below it --body; with\n"
         "--upper-reply it is --body, closing and signature, and the old mail below a line that says so. What a\n"
         "Japanese mail cannot carry of the old mail becomes 〓.\n"
         "Exit status: 0 written, 1 failed, 2 the command line is wrong.");

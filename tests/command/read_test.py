@@ -217,7 +217,7 @@ class ReadTest(unittest.TestCase):
         data = mail(subject=evil, sender=f'"{evil}\\\\" <a@b>', to=f'{evil} <c{evil}@d>, e@f> SIZE=1, "g" <g@h>',
                     fields=f"Message-ID: <1{evil}@x>\r\nReferences: <0@x>\r\n\t<{evil}\r\n")
         self.assertNotIn(b"\r\nBcc", self.reply(data, complaints=None).split(b"\r\n\r\n")[0])
-        out = self.reply(data, "--strict", complaints=["left out"] * 2)
+        out = self.reply(data, "--strict", "--all", complaints=["left out"] * 2)
         names = [line.split(b":")[0] for line in out.split(b"\r\n\r\n")[0].split(b"\r\n") if line[:1] not in b" \t"]
         self.assertEqual(len(names), len(set(names)))
         self.assertNotIn(b"Bcc", names)
@@ -250,7 +250,7 @@ class ReadTest(unittest.TestCase):
         data = mail("日本😀\r\n\r\nB\r\n\r\n".encode(), "件名", "Message-ID: <2@x>\r\nReferences: <0@x>\r\n <1@x>\r\n")
         summary = " From:    A <a@b>\r\n To:      c@d\r\n Date:    \r\n Subject: 件名\r\n"
         quoted = summary + "\r\n> 日本〓\r\n> \r\n> B\r\n"
-        out = self.reply(data, "--body", "はい", "--closing", "敬具", "--to", "z@z", complaints=["1 characters"])
+        out = self.reply(data, "--all", "--body", "はい", "--closing", "敬具", "--to", "z@z", complaints=["1 character "])
         read = Message(out)
         self.assertEqual(read.subject(), "Re: 件名")
         self.assertEqual(read.body(), quoted + "\r\nはい\r\n\r\n敬具")
@@ -258,7 +258,7 @@ class ReadTest(unittest.TestCase):
         self.assertEqual(read.addresses("Cc"), [("", "c@d")])
         self.assertIn(b"InReplyTo: <2@x>\r\nReferences: <0@x>\r\n\t<1@x>\r\n\t<2@x>\r\n", out)
         upper = Message(self.reply(data, "--upper-reply", "--body", "はい", "--closing", "敬具", "--subject", "別",
-                                   complaints=["1 characters"]))
+                                   complaints=["1 character "]))
         self.assertEqual(upper.subject(), "別")
         self.assertEqual(upper.body(), "はい\r\n\r\n敬具\r\n\r\n\r\n----- Original Message -----\r\n" + quoted)
         for subject, expected in ("RE: a", "RE: a"), ("Rea", "Re: Rea"), ("", "Re: "):
@@ -299,7 +299,7 @@ class ReadTest(unittest.TestCase):
         read = [json.loads(line) for line in self.run_it("read", "--json", data=box).splitlines()]
         self.assertEqual([(m["file"], m["message"], m["subject"]) for m in read], [("-", 1, "one"), ("-", 2, "two"), ("-", 3, "three")])
         self.assertEqual(read[0]["body"], "one ä\r\n>From x\r\n")
-        self.assertEqual(Message(self.reply(box, "--message", "2", complaints=["1 characters"])).subject(), "Re: two")
+        self.assertEqual(Message(self.reply(box, "--message", "2", complaints=["1 character "])).subject(), "Re: two")
         for arguments, words in (["box"], "name one with --message"), (["box", "--message", "4"], "holds 3 messages"):
             self.run_it("reply", *arguments, "-o", "-", status=2 if "name" in words else 1, complaints=[words])
         with subprocess.Popen([COMMAND, "read", "--json"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
@@ -311,9 +311,24 @@ class ReadTest(unittest.TestCase):
     def test_answers_go_where_the_mail_says(self):
         fields = "Cc: list@x, z@z\r\nReply-To: =?utf-8?B?8J+YgOi/lOS/oQ==?= <list@x>\r\n"
         data = mail("ö\r\n".encode(), word("会😀", "utf-8"), fields, kind="text/plain; charset=utf-8")
-        read = Message(self.reply(data, complaints=["2 characters"]))
+        read = Message(self.reply(data, "--all", complaints=["2 characters"]))
         self.assertEqual([read.addresses("To"), read.addresses("Cc")], [[("〓返信", "list@x")], [("", "c@d"), ("", "z@z")]])
         self.assertEqual(read.subject(), "Re: 会〓")
+        me, cc = ["--own", "私 <ME@Y>"], "Cc: e@f\r\n"
+        for sender, to, fields, more, expected in (
+                ("a@b", "me@x, c@d", cc, [], "a@b|"), ("a@b", "ME@X, c@d, me@y", cc, ["--all", *me], "a@b|c@d e@f"),
+                ("a@b", "c@d, C@d, c@D, A@b", "Cc: c@D, a@B\r\n", ["--all"], "a@b|c@d C@d A@b"),
+                ("a@b", "c@d", "Reply-To: me@x\r\n", ["--all"], "a@b|c@d"),
+                ("a@b", "c@d", "Reply-To: l@m, c@d\r\n", ["--all", "--cc", "L@M", "--to", "l@M"], "l@m c@d|L@M"),
+                ("me@y", "c@d, me@x", cc + "Reply-To: l@m\r\n", me, "c@d|"), ("me@x", "c@d", cc, ["--all"], "c@d|e@f"),
+                ("me@x", "ME@x", cc, ["--all"], "e@f|"), ("me@x", "me@x", "", ["--all"], "me@x|"), ("me@x", "", "", [], "me@x|")):
+            for strict in [], ["--strict"]:
+                with self.subTest(sender=sender, to=to, more=more, strict=strict):
+                    read = Message(self.reply(mail(sender=sender, to=to, fields=fields), *more, *strict))
+                    self.assertEqual("|".join(" ".join(a for _, a in read.addresses(f)) for f in ("To", "Cc")), expected)
+        for strict in [], ["--strict"]:
+            out = self.reply(mail(fields="Message-ID: <2@x>\r\nIn-Reply-To: <1@x>\r\n"), *strict)
+            self.assertIn(b"\r\nReferences: <1@x>\r\n\t<2@x>\r\n", out)
 
 
 if __name__ == "__main__":
