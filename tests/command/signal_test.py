@@ -94,7 +94,8 @@ class SignalTest(unittest.TestCase):
     def check(self, command, number, moment, whole):
         folder, status, _ = self.run_once(command, number, moment)
         with self.subTest(command=command.__name__, signal=number.name, moment=moment):
-            self.assertIn(status, {0, -number} | ({130} if command is send else set()))
+            # A sending that ends while the verdict is waited for does not know what became of the mail.
+            self.assertIn(status, {0, -number} | ({130, 76} if command is send else set()))
             self.assertEqual(os.listdir(folder / "tmp"), [])
             names = set(os.listdir(folder / "work"))
             self.assertLessEqual(names, command(folder)[1])
