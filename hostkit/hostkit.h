@@ -33,7 +33,7 @@
 #include <hostkit/letter/PartLimit.h>
 #include <hostkit/letter/SaveLetter.h>
 #include <hostkit/letter/SendLetter.h>
+#include <hostkit/letter/answer/Forward.h>
 #include <hostkit/outbox/MailProgram.h>
 #include <hostkit/settings/ByteCount.h>
 #include <hostkit/settings/Settings.h>
-#include <hostkit/letter/answer/Forward.h>
