@@ -22,12 +22,16 @@
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/gateway/CharacterTable.h>
 #include <hostkit/gateway/Gateway.h>
+#include <hostkit/gateway/Glance.h>
 #include <hostkit/gateway/Mailbox.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Answer.h>
 #include <hostkit/letter/Diagnosis.h>
+#include <hostkit/letter/Draft.h>
 #include <hostkit/letter/Envelope.h>
 #include <hostkit/letter/Letter.h>
+#include <hostkit/letter/MailtoUrl.h>
+#include <hostkit/letter/MessageList.h>
 #include <hostkit/letter/OpenedMail.h>
 #include <hostkit/letter/Outcome.h>
 #include <hostkit/letter/PartLimit.h>

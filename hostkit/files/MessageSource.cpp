@@ -54,6 +54,7 @@ public:
         : m_own(std::move(own)), m_nDescriptor(m_own.Number()), m_name(std::move(name)), m_bMayBeMbox(mayBeMbox) {}
 
     const fs::path& Name() const { return m_name; }
+    std::uint64_t Begin() const { return m_nBegin; }
 
     bool IsMbox() {
         while (m_bMayBeMbox && !m_bDone && Rest().size() < kFrom.size() && Fill()) {
@@ -69,6 +70,7 @@ public:
             m_bDone = end == std::string_view::npos;
             std::string message = Take(m_bDone ? end : end + 1);
             message.erase(0, 1);  // the end of the From line
+            ++m_nBegin;
             DropLastEmptyLine(message);
             return message;
         }
@@ -82,6 +84,7 @@ private:
     std::string_view Rest() const { return std::string_view(m_text).substr(m_nTop); }
 
     bool Fill() {
+        m_nErased += m_nTop;
         m_text.erase(0, m_nTop);
         m_nTop = 0;
         const std::size_t size = m_text.size();
@@ -111,15 +114,20 @@ private:
     bool DropWhatIsTooMuch() {
         if (Rest().size() <= kMaxMessageBytes) return false;
         m_bTooLarge = true;
+        m_nErased += m_text.size() - kNextFrom.size();
         m_text.erase(0, m_text.size() - kNextFrom.size());
         return true;
     }
 
     // The first bytes of Rest, which then begins behind them.
     std::string Take(std::size_t bytes) {
+        m_nBegin = m_nErased + m_nTop;
         const bool isAll = m_nTop == 0 && bytes >= m_text.size();
         std::string message = isAll ? std::exchange(m_text, {}) : std::string(Rest().substr(0, bytes));
-        m_nTop = isAll ? 0 : m_nTop + message.size();
+        if (isAll)
+            m_nErased += message.size();
+        else
+            m_nTop += message.size();
         if (std::exchange(m_bTooLarge, false))
             throw Failure(FailureKind::Message, {Field::None, m_name.native()},
                           Words("is 2 GiB or larger, which no message may be"));
@@ -130,7 +138,9 @@ private:
     int m_nDescriptor;
     fs::path m_name;
     std::string m_text;
-    std::size_t m_nTop = 0;  // what stands in front was given
+    std::size_t m_nTop = 0;       // what stands in front was given
+    std::uint64_t m_nErased = 0;  // bytes of the file in front of m_text
+    std::uint64_t m_nBegin = 0;   // of the message that was given last, in the file
     bool m_bMayBeMbox;
     bool m_bTooLarge = false;  // the message that is being read
     bool m_bDone = false;
@@ -194,7 +204,7 @@ std::optional<MessageSource::Message> MessageSource::Next() {
             const fs::path& file = m_pStream->Name();
             if (bytes)
                 return Message{file, isMbox ? Words("{1}, message {2}", file, m_nLast) : file.native(), m_nLast,
-                               std::move(*bytes)};
+                               std::move(*bytes), m_pStream->Begin()};
             --m_nLast;
         } catch (const std::bad_alloc&) {  // what is left of this file would need as much
             m_pStream.reset();

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <hostkit/characters/Export.h>
 #include <memory>
@@ -19,6 +20,7 @@ public:
         std::string name;            // for people: the file, and the number if there may be more in it
         std::size_t number;          // in the whole source, from 1
         std::string bytes;
+        std::uint64_t begin = 0;  // where the bytes begin in the file
     };
 
     // A file is one message, or an mbox if it begins with "From ": each line that does so then begins a message, which
@@ -35,6 +37,9 @@ public:
 
     // Whether it can hold many messages: a folder, or, once Next was called, an mbox.
     bool HoldsMany() const { return m_bMany; }
+    // The files that it was given, in their order, and whether they are those of a Maildir.
+    const std::vector<std::filesystem::path>& Files() const { return m_files; }
+    bool IsMaildir() const { return m_bMaildir; }
     // The next message; empty at the end. Throws Failure for one that cannot be read or has 2 GiB or more; the next
     // call goes on behind it.
     std::optional<Message> Next();

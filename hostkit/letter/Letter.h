@@ -32,6 +32,8 @@ struct HOSTKIT_API Letter {
     // has. Throws Failure for a text that cannot be carried, an address that is none, a file that cannot be read; doc
     // is then not to be used.
     void Fill(CMailDoc& doc) const;
+
+    bool operator==(const Letter&) const = default;
 };
 
 }  // namespace hostkit

@@ -4,6 +4,7 @@
 #include <hostkit/files/FileName.h>
 #include <hostkit/files/TargetFolder.h>
 #include <hostkit/files/WorkFolder.h>
+#include <hostkit/gateway/Glance.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/HeaderValues.h>
@@ -198,8 +199,8 @@ OpenedMail OpenMail(std::string message, const OpenOptions& options) {
 }
 
 OpenedSubject OpenSubject(std::string message, bool strict) {
-    if (!strict && IsAscii(std::string_view(message).substr(0, HeaderBytes(message))))
-        message.resize(HeaderBytes(message));  // other bytes may be of the charset that the letter names
+    if (!strict && IsAscii(std::string_view(message).substr(0, EndOfHeader(message))))
+        message.resize(EndOfHeader(message));  // other bytes may be of the charset that the letter names
     const StoredMail mail(std::move(message), strict);
     if (!mail.Gateway().refusal.empty()) return {"", mail.Gateway().refusal};
     CString subject;

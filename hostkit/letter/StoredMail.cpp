@@ -1,25 +1,12 @@
-#include <algorithm>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/files/MessageFile.h>
+#include <hostkit/gateway/Glance.h>
 #include <hostkit/letter/PartLimit.h>
 #include <hostkit/letter/StoredMail.h>
 #include <utility>
 
 namespace hostkit {
-
-std::size_t HeaderBytes(std::string_view message) {
-    const std::size_t top = std::min(message.find_first_not_of("\r\n"), message.size());
-    const auto endsBlock = [&](std::size_t at) {
-        const std::string_view next = message.substr(at + 1);
-        return next.starts_with('\n') || next.starts_with("\r\n");
-    };
-    std::size_t end = message.find('\n', top);  // not by a search for two line ends, which a long body may lack
-    while (end != std::string_view::npos && !endsBlock(end))
-        end = message.find('\n', end + 1);
-    end = std::min(end, message.substr(0, end).find("\r\r", top));
-    return end == std::string_view::npos ? message.size() : end + 1;
-}
 
 StoredMail::StoredMail(std::string message, bool strict, const std::string& name) : m_isPassed(!strict) {
     if (strict)
@@ -29,7 +16,7 @@ StoredMail::StoredMail(std::string message, bool strict, const std::string& name
 }
 
 void StoredMail::Pass(std::string message) {
-    m_block = message.substr(0, HeaderBytes(message));
+    m_block = message.substr(0, EndOfHeader(message));
     m_passed = PassThrough(std::move(message));
     m_forParser = CString(std::move(m_passed.message));
     m_passed.message.clear();

@@ -11,9 +11,6 @@
 
 namespace hostkit {
 
-// The bytes down to the first empty line, in whatever way lines end; empty lines on top count for nothing.
-std::size_t HeaderBytes(std::string_view message);
-
 class StoredMail {
 public:
     // message comes byte for byte as its store has it. strict leaves the gateway out: the parser gets the message with
