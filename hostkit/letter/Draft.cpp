@@ -79,6 +79,7 @@ void Set(GKeyFile* file, const char* key, const std::vector<std::string>& texts)
     std::vector<std::string> valid;
     std::transform(texts.begin(), texts.end(), std::back_inserter(valid), &Valid);
     std::vector<const char*> pointers;
+    pointers.reserve(valid.size());
     for (const std::string& text : valid)
         pointers.push_back(text.c_str());
     g_key_file_set_string_list(file, kGroup, key, pointers.data(), pointers.size());
