@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/FileName.h>
 #include <hostkit/files/TargetFolder.h>
 #include <hostkit/files/WorkFolder.h>
@@ -188,6 +189,11 @@ OpenedMail OpenMail(std::string message, const OpenOptions& options) {
     OpenedMail opened;
     auto doc = std::make_unique<CMailDoc>();
     opened.fault = mail.Refusal();
+    opened.isMessage = !mail.ForParser().IsEmpty() && !mail.IsNone();
+    if (!opened.isMessage) {
+        if (opened.fault.empty()) opened.fault = Words("is empty");
+        return opened;
+    }
     if (opened.fault.empty()) opened.fault = Read(mail, options.folder, *doc, opened.files);
     Filler filler(mail, opened);
     filler.FillHeader();

@@ -41,8 +41,9 @@ struct OpenedMail {
     std::vector<std::string> alternatives;  // media types of other forms of the text, which are not given
     std::vector<std::string> warnings;      // of what is not as it came, in sentences without full stop
 
-    std::string fault;  // empty: all was read. Else why not, in one line that goes on from the message's name; the
-                        // header's values are there all the same, body and files are not.
+    bool isMessage = true;  // false: it is empty, or does not begin with header fields; no value is there but the fault
+    std::string fault;      // empty: all was read. Else why not, in one line that goes on from the message's name; the
+                            // header's values are there all the same, body and files are not.
 };
 
 // Opens the message, which comes byte for byte as its store has it (ReadMessage, MessageSource). The attachments come

@@ -1,5 +1,6 @@
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/MessageFile.h>
 #include <hostkit/gateway/Glance.h>
 #include <hostkit/letter/PartLimit.h>
@@ -15,6 +16,11 @@ StoredMail::StoredMail(std::string message, bool strict, const std::string& name
         Pass(std::move(message));
 }
 
+bool StoredMail::IsNone() const {
+    const std::string_view bytes = m_block.empty() ? m_forParser.View() : std::string_view(m_block);
+    return m_isPassed && m_passed.refusal.empty() && !m_forParser.IsEmpty() && !GlanceAt(bytes).isMessage;
+}
+
 void StoredMail::Pass(std::string message) {
     m_block = message.substr(0, EndOfHeader(message));
     m_passed = PassThrough(std::move(message));
@@ -25,6 +31,7 @@ void StoredMail::Pass(std::string message) {
 
 std::string StoredMail::Refusal() const {
     if (!m_passed.refusal.empty()) return m_passed.refusal;
+    if (IsNone()) return Words("is no message: it does not begin with header fields");
     return !m_isPassed && HasTooManyParts(m_forParser) ? TooManyPartsText() : "";  // else the gateway counted
 }
 

@@ -17,7 +17,10 @@ public:
     // CRLF line ends, and makes of it what it can. Throws Failure for a message of 2 GiB or more.
     StoredMail(std::string message, bool strict, const std::string& name = {});
 
-    // Why it is not to be read: the gateway refused it, or it has too many parts; empty if it is.
+    // Whether it does not begin with header fields, and is something else: a picture, a text. Empty is no such thing,
+    // and the parser alone asks for no fields.
+    bool IsNone() const;
+    // Why it is not to be read: the gateway refused it, it is no message, or has too many parts; empty if it is.
     std::string Refusal() const;
     // What the parser is to read.
     const CString& ForParser() const { return m_forParser; }

@@ -15,8 +15,9 @@ void CAnswerOptions::AddTo(CLI::App& command, CLI::Option& file) {
         ->check(options::FaultOfCount, "")
         ->needs(&file);
     command.add_flag("--all", m_bAll, "Answer the other recipients of the mail too")->needs(&file);
-    options::Filled(options::AddMany(command, "--own", m_strOwn,
-                                     "An address of yours beside --from, which gets no answer; repeat for more"))
+    options::Filled(
+        options::AddMany(command, "--own", m_strOwn,
+                         "An address of yours beside --from and the settings, which gets no answer; repeat for more"))
         ->type_name("ADDRESS")
         ->needs(&file);
     options::AddStrict(command, m_bStrict);
@@ -33,7 +34,7 @@ std::filesystem::path CAnswerOptions::Answer(const std::string& file, const CLet
             kExitUsage);
     hostkit::MessageSource::Message message = TheMessage(file, m_nMessage);
     const auto input = file == "-" ? CLetterOptions::Input::Taken : CLetterOptions::Input::Body;
-    hostkit::AnswerOptions options{.name = message.name, .strict = m_bStrict};
+    hostkit::AnswerOptions options{.own = letter.Settings().own, .name = message.name, .strict = m_bStrict};
     if (m_bAll) options.audience = hostkit::Audience::All;
     for (const std::string& own : m_strOwn)
         options.own.push_back(hostkit::MailAddressIn(own, hostkit::Field::Own));

@@ -7,6 +7,7 @@
 
 inline constexpr int kExitFailed = 1;  // what was asked could not be done; nothing half done stays behind
 inline constexpr int kExitUsage = 2;   // the command line itself is wrong: an option unknown, missing or in conflict
+inline constexpr int kExitData = 65;   // what was given to read is no message at all (EX_DATAERR of sysexits.h)
 // The whole mail went out, but nobody said that it was taken: a second try may double it. A script may try again behind
 // a failure, but not behind this (EX_PROTOCOL of sysexits.h).
 inline constexpr int kExitUnknown = 76;

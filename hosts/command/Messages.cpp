@@ -31,6 +31,8 @@ int StatusOf(const std::string& name, const std::function<void()>& work) {
         return 0;
     } catch (const Failure&) {
         return ReportFault();
+    } catch (const CFailure&) {
+        return ReportFault();
     } catch (const std::bad_alloc&) {
     }
     // Here the memory of the attempt is free again.

@@ -3,6 +3,7 @@
 #include <hostkit/characters/Failure.h>
 #include <hostkit/characters/Utf8.h>
 
+#include "Faults.h"
 #include "Options.h"
 #include "ShownMail.h"
 #include "Terminal.h"
@@ -19,7 +20,8 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
     m_pCommand->footer(
         "Mail of any charset and form is read; what is not as it came is told in warnings. Control characters are\n"
         "spelled (\\x1B). No file in DIR is replaced. Many messages are shown as each is read.\n"
-        "Exit status: 0, or 1 if any message could not be read; what could be read is still shown.");
+        "Exit status: 0, or 1 if any message could not be read; what could be read is still shown; 65 if one is no "
+        "message at all.");
 }
 
 int CReadCommand::Run() const {
@@ -33,13 +35,14 @@ void CReadCommand::Read(CFoundMessage found) const {
     const bool isOneOfMany = m_strFiles.size() > 1 || found.isOneOfMany;
     if (m_bJson) {
         terminal::Put(JsonOfMail(opened, m_bHeaders, message));
-    } else {
+    } else if (opened.isMessage) {
         const std::string& name = message.file == "-" ? message.file.native() : message.name;
         if (isOneOfMany) terminal::Put("==> " + hostkit::Shown(name) + " <==\n");
         terminal::Put(ShownMail(opened, m_bHeaders) + (isOneOfMany ? "\n" : ""));
     }
     for (const std::string& warning : opened.warnings)
         terminal::Warn(message.name + ": " + warning);
+    if (!opened.isMessage) throw CFailure(message.name + ": " + opened.fault, kExitData);
     if (!opened.fault.empty())
         throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, message.name}, opened.fault);
 }

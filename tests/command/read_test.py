@@ -164,13 +164,20 @@ class ReadTest(unittest.TestCase):
             (mixed(attached), "1: the attached mail cannot be read: it has no MIME-Version 1.0"),
         ):
             with self.subTest(words):
-                shown = self.run_it("read", "--strict", data=data, status=1, complaints=[words]).decode()
+                status = 1 if data else 65
+                shown = self.run_it("read", "--strict", data=data, status=status, complaints=[words]).decode()
                 self.assertEqual("Subject: trait" in shown, data != b"")
                 (self.folder / "mail").write_bytes(data)
-                read = self.opened(b"", "--strict", "mail", status=1, complaints=["mail: "])
+                read = self.opened(b"", "--strict", "mail", status=status, complaints=["mail: "])
                 self.assertIn(words, read["error"])
         (self.folder / "full").touch()
         self.run_it("read", "--extract", "full", data=mail(), status=1, complaints=["--extract full"])
+
+    def test_what_is_no_message_is_not_shown_as_one(self):
+        for data, words in (b"", "is empty"), (b"\n\n", "is empty"), (bytes.fromhex("ffd8ffe0") + b"\0\nTo: x\n\n", "is no message"), (b"hello\n", "is no message"):
+            for arguments in [], ["--headers"]:
+                with self.subTest(words=words, arguments=arguments):
+                    self.assertEqual(self.run_it("read", *arguments, data=data, status=65, complaints=[words]), b"")
 
     def test_a_failing_file_does_not_stop_the_others(self):
         (self.folder / "good").write_bytes(mail(subject="one"))

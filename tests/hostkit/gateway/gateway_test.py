@@ -32,7 +32,7 @@ def read(*messages, folder=None):
             path.write_bytes(message)
         runs = [["--extract", f"{folder}/{i}", str(path)] for i, path in enumerate(paths)] if folder else [[inputs]]
         results = [subprocess.run([COMMAND, "read", "--json", *run], capture_output=True, timeout=300) for run in runs]
-    assert all(result.returncode in (0, 1) for result in results)
+    assert all(result.returncode in (0, 1, 65) for result in results)
     return [json.loads(line) for result in results for line in result.stdout.splitlines()]
 
 
@@ -302,7 +302,7 @@ class GatewayTest(unittest.TestCase):
 
     def test_gives_what_is_left_of_harmed_mails(self):
         cases = {
-            b"": "refused", b"\r\n\r\n": "refused", b"no header at all": "no header at all",
+            b"": "refused", b"\r\n\r\n": "refused", b"no header at all": "refused",
             b"Subject: cut\nContent-Type: multipart/mixed; boundary=b\n\n--b\n\nletter": "letter",
             b"\xef\xbb\xbfFrom x Thu\rSubject: cr\rFrom: a@b\r\rbody": "body",
             b"Subject: x\nContent-Type: multipart/mixed\n\nloose": "loose",
