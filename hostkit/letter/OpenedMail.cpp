@@ -3,6 +3,7 @@
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/characters/Words.h>
 #include <hostkit/files/FileName.h>
+#include <hostkit/files/MediaTypes.h>
 #include <hostkit/files/TargetFolder.h>
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/gateway/Glance.h>
@@ -148,6 +149,9 @@ private:
             file.name = file.original;
         else
             file.name = m_pTarget != nullptr ? file.path.filename().native() : Unique(file.name);
+        const std::string declared = at < known.size() ? known[at].type : "";
+        const bool saysNothing = declared.find('/') == std::string::npos || declared == "application/octet-stream";
+        file.type = saysNothing ? TypeForName(file.name) : declared;
         return file;
     }
 

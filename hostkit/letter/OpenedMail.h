@@ -26,6 +26,7 @@ struct OpenedMail {
         std::string original;        // as the mail has it; empty where it has none
         std::filesystem::path path;  // empty: nobody asked for the file
         std::uintmax_t size = 0;     // bytes
+        std::string type{};          // its media type; by its name where the mail says none, or octet-stream only
     };
 
     std::string subject, date, messageId, references;

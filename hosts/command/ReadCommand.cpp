@@ -1,12 +1,29 @@
 #include "ReadCommand.h"
 
+#include <algorithm>
 #include <hostkit/characters/Failure.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/files/MessageFile.h>
+#include <hostkit/files/WorkFolder.h>
+#include <hostkit/letter/OpenedMail.h>
+#include <unistd.h>
 
 #include "Faults.h"
 #include "Options.h"
 #include "ShownMail.h"
 #include "Terminal.h"
+
+namespace {
+
+// Text whose control characters are line ends and TABs: a terminal obeys the others.
+bool IsForTerminal(const std::string& bytes) {
+    return hostkit::IsUtf8(bytes) && std::none_of(bytes.begin(), bytes.end(), [](char ch) {
+               return (ch >= '\0' && ch < ' ' && std::string_view("\t\r\n").find(ch) == std::string_view::npos) ||
+                      ch == 0x7F;
+           });
+}
+
+}  // namespace
 
 CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show messages and extract attachments") {
     options::AddFiles(*m_pCommand, m_strFiles,
@@ -17,6 +34,16 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
         ->type_name("DIR");
     m_pCommand->add_flag("--json", m_bJson, "One JSON object a line for each message");
     m_pCommand->add_flag("--headers", m_bHeaders, "Show the header block as it stands");
+    CLI::Option* const show =
+        m_pCommand->add_option("--show", m_nShown, "Put attachment N of the list to standard output, byte for byte")
+            ->type_name("N")
+            ->check(options::FaultOfCount, "");
+    for (const char* const other : {"--extract", "--json", "--headers"})
+        show->excludes(m_pCommand->get_option(other));
+    m_pCommand->add_option("--message", m_nMessage, "Which of many messages --show means, counted from 1")
+        ->type_name("N")
+        ->check(options::FaultOfCount, "")
+        ->needs(show);
     m_pCommand->footer(
         "Mail of any charset and form is read; what is not as it came is told in warnings. Control characters are\n"
         "spelled (\\x1B). No file in DIR is replaced. Many messages are shown as each is read.\n"
@@ -25,6 +52,10 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
 }
 
 int CReadCommand::Run() const {
+    if (m_nShown) {
+        Show();
+        return 0;
+    }
     return ForEachMessage(OrStandardInput(m_strFiles), [this](CFoundMessage found) { Read(std::move(found)); });
 }
 
@@ -45,4 +76,26 @@ void CReadCommand::Read(CFoundMessage found) const {
     if (!opened.isMessage) throw CFailure(message.name + ": " + opened.fault, kExitData);
     if (!opened.fault.empty())
         throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, message.name}, opened.fault);
+}
+
+void CReadCommand::Show() const {
+    if (m_strFiles.size() > 1) throw CFailure("--show: give one FILE", kExitUsage);
+    hostkit::MessageSource::Message message = TheMessage(OrStandardInput(m_strFiles).front(), m_nMessage);
+    const hostkit::WorkFolder folder;
+    const hostkit::OpenedMail opened =
+        hostkit::OpenMail(std::move(message.bytes), {.folder = folder.Path(), .strict = m_bStrict});
+    if (!opened.fault.empty())
+        throw CFailure(message.name + ": " + opened.fault, opened.isMessage ? kExitFailed : kExitData);
+    for (const std::string& warning : opened.warnings)
+        terminal::Warn(message.name + ": " + warning);
+    if (*m_nShown > opened.files.size())
+        throw CFailure(message.name + ": has " + std::to_string(opened.files.size()) + " attachments; --show " +
+                       std::to_string(*m_nShown) + " is not there");
+    const std::string bytes = hostkit::ReadMessage(opened.files[*m_nShown - 1].path);
+    if (isatty(STDOUT_FILENO) != 0 && !IsForTerminal(bytes))
+        throw CFailure("--show: attachment " + std::to_string(*m_nShown) +
+                           " is no plain text, which a terminal must not get; send it into a file",
+                       kExitUsage);
+    terminal::Put(bytes);
+    terminal::Finish();
 }

@@ -49,6 +49,7 @@ ordered_json JsonOf(const std::vector<OpenedMail::File>& files) {
         ordered_json object = {{"name", file.name}, {"original", file.original}};
         if (!file.path.empty()) AddPath(object, "path", file.path.native());
         object["size"] = file.size;
+        object["type"] = file.type;
         list.push_back(std::move(object));
     }
     return list;
@@ -78,6 +79,19 @@ std::string WithoutUnseen(const std::string& json) {
     return plain;
 }
 
+// By units of 1024, as the engine's sizes for people are.
+std::string SizeShown(std::uintmax_t bytes) {
+    constexpr std::uintmax_t kUnit = 1024;
+    if (bytes < kUnit) return CountedWords(bytes, "{1} byte", "{1} bytes");
+    std::uintmax_t unit = kUnit;
+    const char* const names[] = {"KB", "MB", "GB"};
+    int name = 0;
+    for (; name < 2 && bytes / unit >= kUnit; ++name)
+        unit *= kUnit;
+    const std::string tenths = std::to_string(bytes % unit * 10 / unit);
+    return std::to_string(bytes / unit) + '.' + tenths + ' ' + names[name];
+}
+
 }  // namespace
 
 std::string ShownMail(const OpenedMail& opened, bool headers) {
@@ -86,8 +100,10 @@ std::string ShownMail(const OpenedMail& opened, bool headers) {
     shown += '\n';
     shown += hostkit::BodyShown(opened.body);
     if (!opened.files.empty()) shown += '\n' + Words("Attachments:") + '\n';
+    int number = 0;
     for (const OpenedMail::File& file : opened.files) {
-        shown += "  " + CountedWords(file.size, "{2}, {1} byte", "{2}, {1} bytes", hostkit::LineShown(file.name));
+        shown += "  " + std::to_string(++number) + ". " + hostkit::LineShown(file.name) + ", " + SizeShown(file.size) +
+                 ", " + hostkit::LineShown(file.type);
         if (!file.path.empty()) shown += ": " + hostkit::Shown(file.path.native());
         shown += '\n';
     }

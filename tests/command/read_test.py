@@ -115,7 +115,7 @@ class ReadTest(unittest.TestCase):
         self.assertEqual({str(pathlib.Path(f["path"]).parent) for f in files}, {"out"})
         self.assertEqual((self.folder / "out" / "a.txt").read_text(), "mine")
         self.assertEqual(sorted(os.listdir(self.folder)), ["out", "tmp"])
-        self.assertIn("\n  a.txt, 1 byte\n", self.run_it("read", data=data).decode())
+        self.assertIn("\n  1. a.txt, 1 byte, text/plain\n", self.run_it("read", data=data).decode())
         self.assertEqual(sorted(os.listdir(self.folder)), ["out", "tmp"])
         self.opened(data, "--extract", "new/deep/")
         self.assertEqual(len(os.listdir(self.folder / "new/deep")), len(names))
@@ -128,6 +128,23 @@ class ReadTest(unittest.TestCase):
         if os.geteuid() != 0:
             self.run_it("read", "--extract", "odd", data=data, status=1, complaints=["written into odd"])
         self.assertEqual(sorted(os.listdir(self.folder)), ["new", "odd", "out", "tmp"])
+
+    def test_one_attachment_goes_to_standard_output(self):
+        data = bytes(range(256)) * 8
+        mails = [mixed(file("a"), file("b.PDF", base64.b64encode(data).decode()).replace(
+            "\r\n", "\r\nContent-Transfer-Encoding: base64\r\n", 1), closing="\r\n--b--\r\n")] * 2
+        box = b"".join(b"From x\n" + m.replace(b"\r\n", b"\n") + b"\n" for m in mails)
+        self.assertIn("\n  2. b.PDF, 2.0 KB, application/pdf\n", self.run_it("read", data=mails[0]).decode())
+        self.assertEqual(self.run_it("read", "--show", "2", data=mails[0]), data)
+        self.assertEqual(self.run_it("read", "--show", "2", "--message", "2", data=box), data)
+        for arguments, given, status, words in (
+                (["3"], mails[0], 1, "has 2 attachments"), (["0"], b"", 2, "no number"), (["1"], box, 2, "--message"),
+                (["1"], b"x", 65, "is no message"), (["1", "--json"], b"", 2, "--json"), (["1", "a", "b"], b"", 2, "one FILE")):
+            self.assertEqual(self.run_it("read", "--show", *arguments, data=given, status=status, complaints=[words]), b"")
+        main, terminal = os.openpty()
+        done = subprocess.run([COMMAND, "read", "--show", "2"], input=mails[0], stdout=terminal, stderr=subprocess.PIPE)
+        self.assertIn(b"terminal", done.stderr)
+        os.close(main), os.close(terminal)
 
     def test_extracted_names_are_clean_and_unique(self):
         names = ("a\x1bb.txt", "a_b.txt", ".bashrc", "-rf", "A.TXT", "a.txt", word("同じ.txt"), word("同じ.txt"), "x" * 250)

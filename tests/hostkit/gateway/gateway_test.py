@@ -248,7 +248,7 @@ class GatewayTest(unittest.TestCase):
             inside = os.listdir(os.path.join(folder, "0"))
             self.assertEqual((len(inside), os.listdir(folder)), (len(names), ["0"]))
         self.assertEqual([f["name"] for f in result["files"]][:10], [
-            "_.._x", "_", "bashrc", "rf", "a_b_c", "a_b", "_txt.exe", "attachment1.bin", "A.txt", "a (1).TXT"])
+            "_.._x", "_", "bashrc", "rf", "a_b_c", "a_b", "_txt.exe", "attachment1.pdf", "A.txt", "a (1).TXT"])
         self.assertLessEqual(len(result["files"][10]["name"].encode()), 255)
 
     def test_only_what_the_engine_reads_rightly_goes_through(self):
