@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <hostkit/characters/Failure.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 #include <hostkit/files/MessageFile.h>
 #include <hostkit/files/WorkFolder.h>
 #include <hostkit/letter/OpenedMail.h>
@@ -79,7 +80,7 @@ void CReadCommand::Read(CFoundMessage found) const {
 }
 
 void CReadCommand::Show() const {
-    if (m_strFiles.size() > 1) throw CFailure("--show: give one FILE", kExitUsage);
+    if (m_strFiles.size() > 1) throw CFailure(hostkit::Words("--show: give one FILE"), kExitUsage);
     hostkit::MessageSource::Message message = TheMessage(OrStandardInput(m_strFiles).front(), m_nMessage);
     const hostkit::WorkFolder folder;
     const hostkit::OpenedMail opened =
@@ -89,12 +90,14 @@ void CReadCommand::Show() const {
     for (const std::string& warning : opened.warnings)
         terminal::Warn(message.name + ": " + warning);
     if (*m_nShown > opened.files.size())
-        throw CFailure(message.name + ": has " + std::to_string(opened.files.size()) + " attachments; --show " +
-                       std::to_string(*m_nShown) + " is not there");
+        throw CFailure(hostkit::CountedWords(opened.files.size(), "{2}: has {1} attachment; --show {3} is not there",
+                                             "{2}: has {1} attachments; --show {3} is not there", message.name,
+                                             *m_nShown));
     const std::string bytes = hostkit::ReadMessage(opened.files[*m_nShown - 1].path);
     if (isatty(STDOUT_FILENO) != 0 && !IsForTerminal(bytes))
-        throw CFailure("--show: attachment " + std::to_string(*m_nShown) +
-                           " is no plain text, which a terminal must not get; send it into a file",
+        throw CFailure(hostkit::Words("--show: attachment {1} is no plain text, which a terminal must not get; send it "
+                                      "into a file",
+                                      *m_nShown),
                        kExitUsage);
     terminal::Put(bytes);
     terminal::Finish();
