@@ -1,6 +1,7 @@
 // A display without a screen for the tests of windows, and a user in front of it.
 #pragma once
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <functional>
@@ -106,10 +107,17 @@ private:
         wxUIActionSimulator().MouseMove(place.x + place.width / 2, place.y + place.height / 2);
     }
     void Notify() override {
-        if (m_next == m_steps.size() || !m_steps[m_next].first()) return;
-        m_steps[m_next++].second();
+        const auto now = std::chrono::steady_clock::now();
+        if (m_next < m_steps.size() && m_steps[m_next].first())
+            m_steps[m_next++].second();
+        else if (m_next > 0 && now >= m_again && m_steps[m_next - 1].first())
+            m_steps[m_next - 1].second();  // a busy machine loses keys that come before the dialog has the keyboard
+        else
+            return;
+        m_again = now + std::chrono::seconds(2);
     }
 
     std::vector<Step> m_steps;
     std::size_t m_next = 0;
+    std::chrono::steady_clock::time_point m_again;
 };
