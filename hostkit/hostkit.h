@@ -29,6 +29,7 @@
 #include <hostkit/letter/Diagnosis.h>
 #include <hostkit/letter/Draft.h>
 #include <hostkit/letter/Envelope.h>
+#include <hostkit/letter/FinishedMail.h>
 #include <hostkit/letter/Letter.h>
 #include <hostkit/letter/MailtoUrl.h>
 #include <hostkit/letter/MessageList.h>

@@ -34,7 +34,7 @@ bool IsUnsized(const std::string& path) {
 }
 
 // Not more than the file had when it was opened, where it told: one that grows as fast as it is read has no end.
-void Copy(const std::string& from, const std::string& to, LineEnds* ends) {
+void Copy(const std::string& from, const std::string& to, LineEnds* ends, const CarriedFiles::Copying& copying) {
     const Descriptor source(open(from.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
     const Descriptor target(open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     struct stat status;
@@ -48,6 +48,7 @@ void Copy(const std::string& from, const std::string& to, LineEnds* ends) {
         const int error =
             ends == nullptr ? WriteAll(target.Number(), piece) : WriteAll(target.Number(), ends->Next(piece));
         if (error != 0) Refuse(from, error);
+        if (copying && count > 0 && !copying(piece.size())) throw CarriedFiles::Cancelled();
     }
     if (status.st_size != 0 && copied != status.st_size) RefuseChanged(from);
 }
@@ -65,14 +66,15 @@ void ReplaceAll(std::string& text, const std::string& what, const std::string& b
 
 }  // namespace
 
-CarriedFiles::CarriedFiles(CMailDoc& doc, Copied copied) : m_doc(doc), m_nModified(doc.IsModified()) {
+CarriedFiles::CarriedFiles(CMailDoc& doc, Copied copied, const Copying& copying)
+    : m_doc(doc), m_nModified(doc.IsModified()) {
     m_doc.GetFiles(m_given);
     std::vector<CMailDoc::FileInfo> files = m_given;
     for (const CMailDoc::FileInfo& file : files)
         m_files.push_back({platform::ToNativePath(file.Path), platform::ToNativePath(file.Path)});
     const AttachmentWatch given = Watch();
     for (std::size_t i = 0; i < files.size(); ++i) {
-        files[i].Path = Carry(files[i].Path, copied);
+        files[i].Path = Carry(files[i].Path, copied, copying);
         m_files[i].path = platform::ToNativePath(files[i].Path);
     }
     given.Check();
@@ -85,7 +87,7 @@ CarriedFiles::~CarriedFiles() {
 }
 
 // The library path of what stands for the file at path, itself where it can.
-CString CarriedFiles::Carry(const CString& path, Copied copied) {
+CString CarriedFiles::Carry(const CString& path, Copied copied, const Copying& copying) {
     const std::string native = platform::ToNativePath(path);
     CString name = CarriedName(native);
     LineEnds ends;
@@ -105,7 +107,7 @@ CString CarriedFiles::Carry(const CString& path, Copied copied) {
     if (!isCopied && name.View() == CFileUtility::GetFileNameFromPath(path).View()) return path;
     CString place = PlaceFor(name);
     if (isCopied)
-        Copy(native, platform::ToNativePath(place), hasOtherEnds ? &ends : nullptr);
+        Copy(native, platform::ToNativePath(place), hasOtherEnds ? &ends : nullptr, copying);
     else
         Link(native, platform::ToNativePath(place));
     return place;

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <hostkit/attachments/AttachmentWatch.h>
 #include <hostkit/files/WorkFolder.h>
 #include <map>
@@ -25,9 +26,13 @@ enum class Copied {
 
 class CarriedFiles {
 public:
+    // Told of each piece that was copied, in bytes; false cancels.
+    using Copying = std::function<bool(std::size_t bytes)>;
+    struct Cancelled {};
+
     // doc must outlive the object. Throws Failure for a file that cannot be read, that changes while it is copied, or
-    // whose name a Japanese mail cannot carry.
-    CarriedFiles(CMailDoc& doc, Copied copied);
+    // whose name a Japanese mail cannot carry, and Cancelled.
+    CarriedFiles(CMailDoc& doc, Copied copied, const Copying& copying = {});
     CarriedFiles(const CarriedFiles&) = delete;
     CarriedFiles& operator=(const CarriedFiles&) = delete;
     ~CarriedFiles();
@@ -42,7 +47,7 @@ public:
     std::string InUsersNames(std::string text) const;
 
 private:
-    CString Carry(const CString& path, Copied copied);
+    CString Carry(const CString& path, Copied copied, const Copying& copying);
     CString PlaceFor(const CString& name);
 
     CMailDoc& m_doc;

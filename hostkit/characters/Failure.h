@@ -21,6 +21,7 @@ enum class FailureKind {
     Output,     // writing failed
     Delivery,   // a server did not take the mail
     Login,      // and asks for a login or encryption, which the engine does not have
+    Unfit,      // a finished message is none that every server takes
     Settings,   // the user's settings are wrong in one line
     Later,      // the mail was not taken now; a later try may work
     NoHost,     // it has a server that no name leads to

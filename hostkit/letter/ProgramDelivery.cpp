@@ -146,4 +146,19 @@ Outcome SendLetter(CMailDoc& doc, const MailProgram& program, const Progress& pr
     }
 }
 
+Outcome SendLetter(const FinishedMail& mail, CMailDoc& doc, const MailProgram& program, const Progress& progress) {
+    try {
+        CheckEnvelope(doc);
+        CheckProgram(program);
+        if (mail.message.find('\0') != std::string::npos) CheckSendable(mail);
+        constexpr unsigned int kShare = 100;
+        ProgressOperation operation(Words("Sending"), kShare, progress);
+        const LocalMessage message(
+            [&](COutputStream& target) { return target.WriteString(mail.message.c_str()) != 0; });
+        return DeliverByProgram(program, SenderOf(doc), RecipientsOf(doc), message, operation, kShare);
+    } catch (const Failure& failure) {
+        return {Outcome::State::Failed, failure.what(), {}, failure};
+    }
+}
+
 }  // namespace hostkit

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <climits>
 #include <hostkit/attachments/Attachment.h>
 #include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/characters/Words.h>
@@ -8,6 +10,7 @@
 #include <hostkit/letter/ProgressOperation.h>
 #include <hostkit/letter/SendLetter.h>
 
+#include <mailengine/support/FileUtility.h>
 #include <mailengine/support/ProgressCallback.h>
 #include <mailengine/transport/MailSendRecv.h>
 
@@ -15,18 +18,30 @@ namespace hostkit {
 
 namespace {
 
+Outcome NotSent() {
+    return {Outcome::State::Cancelled, Words("cancelled; the mail was not sent")};
+}
+
+// What is copied and what is sent, as far as the engine counts.
+unsigned int BytesToDo(const CMailDoc& doc) {
+    std::vector<CMailDoc::FileInfo> files;
+    doc.GetFiles(files);
+    std::uint64_t bytes = doc.GetMailSize();
+    for (const CMailDoc::FileInfo& file : files)
+        bytes += static_cast<std::uint64_t>(CFileUtility::GetFileSize(file.Path));
+    return static_cast<unsigned int>(std::min<std::uint64_t>(bytes, UINT_MAX));
+}
+
 Outcome NotDone(Outcome::State state, const Failure& failure) {
     return {state, failure.what(), {}, failure};
 }
 
-Outcome OutcomeOf(const CMailSendRecv::Result& result, const CMailDoc& doc, const CarriedFiles& carried,
-                  const std::string& warning) {
-    if (result.outcome == CMailSendRecv::kTaken) return {Outcome::State::Done, warning};
-    const std::string reason = carried.InUsersNames(ReasonOf(result, doc));
+Outcome OutcomeOf(const CMailSendRecv::Result& result, const std::string& reason) {
+    if (result.outcome == CMailSendRecv::kTaken) return {};
     if (result.outcome == CMailSendRecv::kUnknown)
         return NotDone(Outcome::State::Unknown,
                        {FailureKind::Delivery, {}, Words("the server may have taken the mail: {1}", reason)});
-    if (reason.empty()) return {Outcome::State::Cancelled, Words("cancelled; the mail was not sent")};
+    if (reason.empty()) return NotSent();
     if (!AsksForLogin(result))
         return NotDone(Outcome::State::Failed,
                        {FailureKind::Delivery, {}, Words("the mail was not sent: {1}", reason)});
@@ -41,13 +56,33 @@ Outcome SendLetter(CMailDoc& doc, const Progress& progress) {
     try {
         CheckEnvelope(doc);
         CheckAttachments(doc);
-        const CarriedFiles carried(doc, Copied::All);
+        ProgressOperation operation(Words("Sending"), BytesToDo(doc), progress);
+        const CarriedFiles carried(doc, Copied::All, [&](std::size_t bytes) {
+            return operation.Engine().Callback(static_cast<unsigned int>(bytes)) != 0;
+        });
         const std::string warning = LetterWarning(doc, carried);
         const BlindCopies blind(doc);
-        ProgressOperation operation(Words("Sending"), doc.GetMailSize(), progress);
         const CMailSendRecv::Result result = CMailSendRecv::SendWhole(doc, blind.Recipients(), operation.Engine());
         if (result.outcome == CMailSendRecv::kTaken) operation.Complete();
-        return OutcomeOf(result, doc, carried, warning);
+        Outcome outcome = OutcomeOf(result, carried.InUsersNames(ReasonOf(result, doc)));
+        if (outcome) outcome.text = warning;
+        return outcome;
+    } catch (const CarriedFiles::Cancelled&) {
+        return NotSent();
+    } catch (const Failure& failure) {
+        return NotDone(Outcome::State::Failed, failure);
+    }
+}
+
+Outcome SendLetter(const FinishedMail& mail, CMailDoc& doc, const Progress& progress) {
+    try {
+        CheckEnvelope(doc);
+        CheckSendable(mail);
+        const auto bytes = static_cast<unsigned int>(std::min<std::size_t>(mail.message.size(), INT_MAX));
+        ProgressOperation operation(Words("Sending"), bytes, progress);
+        const CMailSendRecv::Result result = CMailSendRecv::SendMessage(doc, CString(mail.message), operation.Engine());
+        if (result.outcome == CMailSendRecv::kTaken) operation.Complete();
+        return OutcomeOf(result, ReasonOf(result, doc));
     } catch (const Failure& failure) {
         return NotDone(Outcome::State::Failed, failure);
     }

@@ -1,6 +1,7 @@
 // SendLetter: a mail on its way out. One thread, that of the engine.
 #pragma once
 
+#include <hostkit/letter/FinishedMail.h>
 #include <hostkit/letter/Outcome.h>
 #include <hostkit/outbox/MailProgram.h>
 
@@ -20,5 +21,13 @@ HOSTKIT_API Outcome SendLetter(CMailDoc& doc, const Progress& progress = {});
 // sent: a cancel is Unknown where the program had read all and said nothing. What the program said is in the text; of
 // the kinds of failure Program, Later, NoHost and Rights are told apart.
 HOSTKIT_API Outcome SendLetter(CMailDoc& doc, const MailProgram& program, const Progress& progress = {});
+
+// The same for a finished message: it goes as it stands, but for bare line ends, which become CRLF, to the recipients
+// and the server in doc. Nothing is tried where CheckEnvelope or CheckSendable would throw.
+HOSTKIT_API Outcome SendLetter(const FinishedMail& mail, CMailDoc& doc, const Progress& progress = {});
+
+// The same through this machine's mail system, which takes what a server need not; a NUL alone is refused.
+HOSTKIT_API Outcome SendLetter(const FinishedMail& mail, CMailDoc& doc, const MailProgram& program,
+                               const Progress& progress = {});
 
 }  // namespace hostkit

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "LetterOptions.h"
+#include "Messages.h"
 
 class CAnswerOptions {
 public:
@@ -18,6 +19,11 @@ public:
     // what was left out. Gives the path of the file in which the mail stands. Throws CFailure where both are standard
     // input and where it is not clear which mail is meant, and hostkit::Failure.
     std::filesystem::path Answer(const std::string& file, const CLetterOptions& letter, CMailDoc& doc) const;
+
+    // Whether a message was named by its number.
+    bool HasNumber() const { return m_nMessage.has_value(); }
+    // Which message of file is meant. Throws as Answer does.
+    hostkit::MessageSource::Message Message(const std::string& file) const { return TheMessage(file, m_nMessage); }
 
 private:
     std::vector<std::string> m_strOwn;

@@ -57,6 +57,8 @@ const char* AdviceFor(const Failure& failure) {
     if (failure.Kind() == FailureKind::SameFile) return Marked("{1}; name another with -o");
     if (failure.Kind() == FailureKind::Unkept)
         return Marked("{1}; name another file, or let --in-place write into this one");
+    if (failure.Kind() == FailureKind::Unfit)
+        return Marked("{1}; leave --server out, and this machine's mail system sends it as it is");
     if (failure.Kind() == FailureKind::Login)
         return Marked(
             "{1}; leave --server out, and this machine's mail system, once it is set up for that server, "

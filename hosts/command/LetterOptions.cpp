@@ -1,6 +1,10 @@
 #include "LetterOptions.h"
 
+#include <algorithm>
+#include <hostkit/characters/Words.h>
+
 #include "CommandLine.h"
+#include "Faults.h"
 #include "Options.h"
 #include "StandardFiles.h"
 
@@ -8,6 +12,7 @@ using options::AddMany;
 using options::Filled;
 
 void CLetterOptions::AddTo(CLI::App& command) {
+    const std::size_t others = command.get_options().size();
     AddAddressesTo(command);
     AddTextsTo(command);
     Filled(AddMany(command, "-a,--attach", m_letter.attachments,
@@ -21,6 +26,20 @@ void CLetterOptions::AddTo(CLI::App& command) {
                               "The settings; else $XDG_CONFIG_HOME/mailengine/config.ini, if it is there"))
         ->type_name("FILE");
     command.add_flag("--replace", m_bReplace, "Put 〓 for a character that a Japanese mail cannot carry");
+    const std::vector<CLI::Option*> all = command.get_options();
+    m_options.assign(all.begin() + static_cast<std::ptrdiff_t>(others), all.end());
+}
+
+void CLetterOptions::CheckForFinished() const {
+    constexpr std::string_view kUsed[] = {"--from", "--to", "--config"};
+    for (const CLI::Option* option : m_options) {
+        const std::string name = option->get_name();
+        if (option->count() > 0 && std::find(std::begin(kUsed), std::end(kUsed), name) == std::end(kUsed))
+            throw CFailure(
+                hostkit::Words(
+                    "{1}: a finished message is sent as it stands; --from and --to alone can be given with it", name),
+                kExitUsage);
+    }
 }
 
 void CLetterOptions::AddAddressesTo(CLI::App& command) {

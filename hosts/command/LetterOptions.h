@@ -22,6 +22,12 @@ public:
     // The user's settings, read once. Throws hostkit::Failure.
     const hostkit::Settings& Settings() const;
 
+    // What a message that is finished takes of them: another sender, and other recipients than its fields name.
+    const std::optional<std::string>& From() const { return m_letter.from; }
+    const std::vector<std::string>& To() const { return m_letter.to; }
+    // Throws CFailure for any other option of a letter, which cannot change a finished message.
+    void CheckForFinished() const;
+
     // Whether a subject was given that has no character.
     bool HasEmptySubject() const { return m_letter.subject == ""; }
     // Whether the body comes from standard input.
@@ -36,4 +42,5 @@ private:
     std::optional<std::string> m_strConfig;
     mutable std::optional<hostkit::Settings> m_settings;
     bool m_bReplace = false;
+    std::vector<const CLI::Option*> m_options;  // the command's, those of a letter alone
 };

@@ -1,7 +1,12 @@
 #include "OutputOptions.h"
 
+#include <hostkit/characters/Words.h>
+#include <hostkit/letter/SaveLetter.h>
+
 #include "CommandLine.h"
+#include "Faults.h"
 #include "Options.h"
+#include "TerminalProgress.h"
 
 void COutputOptions::AddTo(CLI::App& command) {
     options::Filled(command.add_option("-o,--output", m_strOutput, "The message file; - is standard output"))
@@ -13,4 +18,14 @@ void COutputOptions::AddTo(CLI::App& command) {
 
 std::unique_ptr<hostkit::OutputTarget> COutputOptions::Target() const {
     return TargetAt(m_strOutput, m_bInPlace ? hostkit::Unkept::WriteInPlace : hostkit::Unkept::Refuse);
+}
+
+void COutputOptions::Save(CMailDoc& doc, hostkit::OutputTarget& target) const {
+    using Shown = CTerminalProgress::Shown;
+    hostkit::Outcome outcome;
+    {
+        CTerminalProgress progress(hostkit::Words("Saving"), Shown::WhenSlow);
+        outcome = hostkit::SaveLetter(doc, target, [&](int percent) { return progress.Show(percent); });
+    }
+    CheckDone(outcome);
 }

@@ -1,10 +1,8 @@
 #include "ReplyCommand.h"
 
 #include <hostkit/characters/Words.h>
-#include <hostkit/letter/SaveLetter.h>
 
 #include "CommandLine.h"
-#include "Faults.h"
 #include "Options.h"
 #include "Terminal.h"
 
@@ -33,6 +31,6 @@ int CReplyCommand::Run() const {
     struct stat status;
     if (m_strFile != "-" && stat(answered.c_str(), &status) == 0)
         target->CheckIsNot(status, {hostkit::Field::None, answered.native()});
-    CheckDone(hostkit::SaveLetter(doc, *target));
+    m_output.Save(doc, *target);
     return 0;
 }

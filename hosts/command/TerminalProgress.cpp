@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kDrawingPause{50};
+constexpr std::chrono::seconds kSlow{1};
 constexpr int kBarWidth = 30;
 
 volatile std::sig_atomic_t g_pressed = 0;
@@ -30,9 +31,10 @@ bool IsTerminal() {
 
 }  // namespace
 
-CTerminalProgress::CTerminalProgress(const std::string& caption, bool quiet)
-    : m_strCaption(caption), m_bQuiet(quiet), m_bTerminal(IsTerminal()) {
+CTerminalProgress::CTerminalProgress(const std::string& caption, Shown shown)
+    : m_strCaption(caption), m_shown(shown), m_bTerminal(IsTerminal()) {
     g_pressed = 0;
+    if (shown == Shown::WhenSlow) return;
     struct sigaction action {};
     action.sa_handler = NotePress;
     action.sa_flags = SA_RESTART;
@@ -43,8 +45,8 @@ CTerminalProgress::CTerminalProgress(const std::string& caption, bool quiet)
 }
 
 CTerminalProgress::~CTerminalProgress() {
-    sigaction(SIGINT, &m_oldInterrupt, nullptr);
-    if (!m_bShown || m_bQuiet || !m_bTerminal) return;
+    if (m_shown != Shown::WhenSlow) sigaction(SIGINT, &m_oldInterrupt, nullptr);
+    if (!m_bShown || m_shown == Shown::No || !m_bTerminal) return;
     if (m_nPercent != m_nDrawn) Draw();
     std::cerr << '\n' << std::flush;
 }
@@ -52,9 +54,10 @@ CTerminalProgress::~CTerminalProgress() {
 bool CTerminalProgress::Show(int percent) {
     if (g_pressed) return false;
     m_nPercent = percent;
+    if (m_shown == Shown::WhenSlow && (!m_bTerminal || Clock::now() - m_begin < kSlow)) return true;
     const bool isFirst = !m_bShown;
     m_bShown = true;
-    if (m_bQuiet) return true;
+    if (m_shown == Shown::No) return true;
     if (!m_bTerminal) {
         if (isFirst) std::cerr << m_strCaption << "...\n" << std::flush;
     } else if (percent != m_nDrawn && (isFirst || Clock::now() - m_lastDrawing >= kDrawingPause)) {

@@ -5,7 +5,8 @@
 // elsewhere a plain line says that the operation began. With quiet neither is shown. The bar of an operation that is
 // cancelled stays where it was.
 //
-// The first Ctrl-C cancels, at the next question; a second one ends the program.
+// The first Ctrl-C cancels, at the next question; a second one ends the program. A work that is mostly done at once is
+// shown in a terminal alone, and from its second second on; Ctrl-C ends the program there.
 #pragma once
 
 #include <chrono>
@@ -14,7 +15,8 @@
 
 class CTerminalProgress {
 public:
-    CTerminalProgress(const std::string& caption, bool quiet);
+    enum class Shown { No, Yes, WhenSlow };
+    CTerminalProgress(const std::string& caption, Shown shown);
     CTerminalProgress(const CTerminalProgress&) = delete;
     CTerminalProgress& operator=(const CTerminalProgress&) = delete;
     // Ends the line.
@@ -29,11 +31,12 @@ private:
     void Draw();
 
     const std::string m_strCaption;
-    const bool m_bQuiet;
+    const Shown m_shown;
     const bool m_bTerminal;
     struct sigaction m_oldInterrupt {};
     int m_nPercent = 0;
     int m_nDrawn = -1;      // the percentage on the screen; -1: none
     bool m_bShown = false;  // whether it began
+    const Clock::time_point m_begin = Clock::now();
     Clock::time_point m_lastDrawing;
 };

@@ -1,9 +1,6 @@
 #include "WriteCommand.h"
 
-#include <hostkit/letter/SaveLetter.h>
-
 #include "CommandLine.h"
-#include "Faults.h"
 
 CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Write a mail to a message file") {
     m_letter.AddTo(*m_pCommand);
@@ -16,6 +13,6 @@ CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Wr
 int CWriteCommand::Run() const {
     CMailDoc doc;
     m_letter.Letter().Fill(doc);
-    CheckDone(hostkit::SaveLetter(doc, *m_output.Target()));
+    m_output.Save(doc, *m_output.Target());
     return 0;
 }

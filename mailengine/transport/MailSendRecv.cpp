@@ -11,6 +11,11 @@ CMailSendRecv::Result CMailSendRecv::SendWhole(const CMailDoc& doc, const CStrin
     return ::SendWhole(doc, blindRecipients, progress, kSendLimits);
 }
 
+CMailSendRecv::Result CMailSendRecv::SendMessage(const CMailDoc& envelope, const CString& message,
+                                                 CProgressCallback& progress) {
+    return ::SendMessage(envelope, message, progress, kSendLimits);
+}
+
 int CMailSendRecv::SendWhole(const CMailDoc& doc, CProgressCallback& progress, CString& error) {
     const Result result = SendWhole(doc, CStringArray(), progress);
     if (!result.text.IsEmpty()) error = result.text;

@@ -62,6 +62,13 @@ public:
     // error takes the text, unless that is empty.
     static int SendWhole(const CMailDoc& doc, CProgressCallback& progress, CString& error);
 
+    // Sends a message that is written already, as SendWhole sends a document: of envelope it takes server, port, sender
+    // and recipients, and none of its contents. message goes out as it stands, but for dots doubled at line tops (RFC
+    // 5321 4.5.2) and a bare CR or LF, which becomes CRLF (2.3.8); its last line end is that of the final dot, and is
+    // put there where it is missing. Bytes above 7F and lines of more than 998 bytes go out too, though a server need
+    // not take them (RFC 5321 2.4, 4.5.3.1.6); with a NUL nothing is tried. progress counts the message's bytes.
+    static Result SendMessage(const CMailDoc& envelope, const CString& message, CProgressCallback& progress);
+
     // Sends doc as far as it can be written. 1: the whole message was handed over, which is no promise that the server
     // took it; error is as it was given. 0: error says why: server, port or sender missing or unusable (before any
     // connection), a command refused, a file or the connection that failed on the way; error becomes empty where the

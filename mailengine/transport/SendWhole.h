@@ -1,4 +1,5 @@
-// The engine's own way to send a document: see CMailSendRecv::SendWhole. Tests come in here with limits of their own.
+// The engine's own ways to send: see CMailSendRecv::SendWhole and SendMessage. Tests come in here with limits of their
+// own.
 #pragma once
 
 #include <mailengine/transport/MailSendRecv.h>
@@ -8,3 +9,5 @@ class CStringArray;
 
 CMailSendRecv::Result SendWhole(const CMailDoc& doc, const CStringArray& blindRecipients, CProgressCallback& progress,
                                 const CSendWait::Limits& limits);
+CMailSendRecv::Result SendMessage(const CMailDoc& envelope, const CString& message, CProgressCallback& progress,
+                                  const CSendWait::Limits& limits);

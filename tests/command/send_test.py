@@ -115,6 +115,35 @@ class SendTest(unittest.TestCase):
         self.assertNotIn(b"bcc", stored.lower())
         self.assertNotIn(b"b@example.test", stored)
 
+    def test_a_finished_message_goes_as_it_stands(self):
+        top = b"From: =?utf-8?B?5bGx?= <y@example.test>\nSender: z@example.test\nTo: A <a@example.test>,\n g: b@example.test;\n"
+        rest = b"Subject: s\nX-Odd:  kept\n\n.\n..x\n\n" + b"y" * 998 + b"\n.\nend"
+        server = self.serve(Aiosmtpd(self.folder / "finished"))
+        mail = self.folder / "finished.eml"
+        for data, sent, given, sender, to in (
+                (top + b"bcc: c@example.test,\n\td@example.test\n" + rest, top + rest, [], "y@example.test", "abcd"),
+                (top + rest + b"\n\n", top + rest + b"\n", ["--to", "e@example.test", "--from", "f@example.test"],
+                 "f@example.test", "e"),
+                (b"Bcc: a@example.test\r\n\r\nx\ry\r\n", b"\r\nx\r\ny", ["--from", "f@example.test"], "f@example.test", "a")):
+            with self.subTest(data=data[:30]):
+                mail.write_bytes(data)
+                result = self.send(server.port, mail, *given)
+                self.assertEqual((result.returncode, result.stderr), (0, b""))
+                envelope, stored = server.mails()[-1]
+                self.assertEqual(stored, on_the_wire(sent))
+                self.assertEqual((envelope["from"], envelope["to"]), (sender, [f"{name}@example.test" for name in to]))
+        for data, said in ((top + b"\nx\0", b"a NUL in line 6, at byte 109"), (top + "件".encode(), b"above 7F in line 5, at byte 107"),
+                           (top + b"\n" + b"x" * 999, b"998 bytes in line 6, at byte 1106"), (b"\xff\xd8 a JPEG", b"no header"),
+                           (b"", b""), (b"a: b\n\nx", b"--from"), (b"From: a@b\n\nx", b"--to"), (b"From: a@b..c\n\n", b"--from: the message's field From"),
+                           (b"From: a@b\nCc: \"@\" <a@b>, c@d (@), e@@f\n\n", b"--to: the message's field Cc")):
+            with self.subTest(said):
+                mail.write_bytes(data)
+                result = self.run_it("send", "--server", "nowhere.invalid", mail)
+                self.assertNotIn(result.returncode, (0, 76))
+                self.assertIn(said, result.stderr)
+        self.assertEqual(len(server.mails()), 3)
+        self.assertEqual(self.send(server.port, mail, "--subject", "x").returncode, 2)
+
     def answer(self, replies):
         """One session of a server that answers each command by its reply; none closes the connection."""
         with socket.create_server(("127.0.0.1", 0)) as server:

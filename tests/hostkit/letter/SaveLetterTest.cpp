@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <hostkit/letter/Envelope.h>
 #include <hostkit/letter/Letter.h>
 #include <hostkit/letter/SaveLetter.h>
+#include <hostkit/letter/SendLetter.h>
 #include <tests/FileBytes.h>
 #include <tests/TempFolder.h>
 
@@ -37,6 +39,24 @@ TEST(SaveLetter, LeavesTheOldFileUnlessItIsDone) {
     EXPECT_EQ(last, 100);
     EXPECT_GT(std::filesystem::file_size(folder / "old.eml"), 6'000'000u);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Native()), {}), 2);
+}
+
+// The server is not there: who was asked before it was looked for was asked while the copy was made.
+TEST(SendLetter, AsksWhileItCopiesTheAttachments) {
+    const CTempFolder folder;
+    WriteWholeFile(folder / "big", std::string(5'000'000, 'x'));
+    hostkit::Letter letter;
+    letter.from = "a@b";
+    letter.to = {"c@d"};
+    letter.attachments = {folder / "big"};
+    CMailDoc doc;
+    letter.Fill(doc);
+    hostkit::SetServer("127.0.0.1:1", doc);
+    int last = 0;
+    const auto cancelAt = [&](int limit) { return [&last, limit](int percent) { return (last = percent) < limit; }; };
+    EXPECT_EQ(hostkit::SendLetter(doc, cancelAt(10)).state, State::Cancelled);
+    EXPECT_EQ(hostkit::SendLetter(doc, cancelAt(101)).state, State::Failed);
+    EXPECT_GT(last, 30);
 }
 
 }  // namespace
