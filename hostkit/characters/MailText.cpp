@@ -1,5 +1,6 @@
 #include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
+#include <hostkit/characters/Words.h>
 
 #include <mailengine/support/platform/text/Unicode.h>
 
@@ -90,7 +91,8 @@ std::string HeaderShown(std::string_view text) {
 }
 
 CString Carried(std::string_view text, Extent extent) {
-    return ToCodePage(Cleaned(TextOf(text), extent), extent, Missing::Replace, {Field::None, "the answered mail"});
+    return ToCodePage(Cleaned(TextOf(text), extent), extent, Missing::Replace,
+                      {Field::None, Words("the answered mail")});
 }
 
 std::string OneLine(const CString& message) {

@@ -11,16 +11,19 @@
 #include "Terminal.h"
 #include "TerminalProgress.h"
 
+using hostkit::CountedWords;
+using hostkit::Words;
+
 namespace {
 
 using Finished = std::optional<hostkit::FinishedMail>;
 
 void PrintEnvelope(CMailDoc& doc, const Finished& finished) {
     const std::uint64_t bytes = finished ? finished->message.size() : hostkit::MessageBytes(doc);
-    terminal::Put("sender: " + hostkit::Shown(hostkit::SenderOf(doc)) + '\n');
+    terminal::Put(Words("sender: {1}", hostkit::Shown(hostkit::SenderOf(doc))) + '\n');
     for (const std::string& recipient : hostkit::RecipientsOf(doc))
-        terminal::Put("recipient: " + hostkit::Shown(recipient) + '\n');
-    terminal::Put("size: " + std::to_string(bytes) + " bytes\n");
+        terminal::Put(Words("recipient: {1}", hostkit::Shown(recipient)) + '\n');
+    terminal::Put(CountedWords(bytes, "size: {1} byte", "size: {1} bytes") + '\n');
     terminal::Finish();
 }
 
@@ -35,10 +38,11 @@ hostkit::Outcome SentBy(const Program& program, CMailDoc& doc, const Finished& f
 
 void Send(CMailDoc& doc, const Finished& finished, const Program& program, bool quiet) {
     {
-        CTerminalProgress progress("送信中", quiet ? CTerminalProgress::Shown::No : CTerminalProgress::Shown::Yes);
+        CTerminalProgress progress(Words("Sending"),
+                                   quiet ? CTerminalProgress::Shown::No : CTerminalProgress::Shown::Yes);
         CheckDone(SentBy(program, doc, finished, [&](int percent) { return progress.Show(percent); }));
     }
-    if (!quiet) std::cerr << "送信しました。\n" << std::flush;
+    if (!quiet) std::cerr << Words("The mail was sent.") + '\n' << std::flush;
 }
 
 }  // namespace

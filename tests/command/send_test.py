@@ -211,7 +211,7 @@ class SendTest(unittest.TestCase):
     def test_ctrl_c_cancels_and_a_second_one_ends(self):
         status, shown = self.press(1)
         self.assertEqual(status, 130)
-        self.assertRegex(shown, r"\r\x1b\[K送信中 \[-{30}\] 0%\r\nmailengine: cancelled; the mail was not sent\r\n$")
+        self.assertRegex(shown, r"\r\x1b\[KSending \[-{30}\] 0%\r\nmailengine: cancelled; the mail was not sent\r\n$")
         # On a busy machine the first press may have ended it before the second comes.
         self.assertIn(-signal.SIGINT, (self.press(2)[0] for _ in range(20)))
 
@@ -228,9 +228,9 @@ class SendTest(unittest.TestCase):
         reader.join()
         os.close(terminal)
         shown = b"".join(seen).decode()
-        self.assertTrue(shown.endswith("[" + "#" * 30 + "] 100%\r\n送信しました。\r\n"), shown)
+        self.assertTrue(shown.endswith("[" + "#" * 30 + "] 100%\r\nThe mail was sent.\r\n"), shown)
         plain = self.run_it("send", "--server", f"127.0.0.1:{server.port}", *LETTER)
-        self.assertEqual(plain.stderr.decode(), "送信中...\n送信しました。\n")
+        self.assertEqual(plain.stderr.decode(), "Sending...\nThe mail was sent.\n")
 
     @staticmethod
     def read(terminal):
