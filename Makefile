@@ -5,10 +5,11 @@ CONFIGURE = cmake -DMAILENGINE_WERROR=$(WERROR) --log-level=WARNING --preset
 BUILD = cmake --build --parallel $(JOBS) --preset
 TEST = ctest --parallel $(JOBS) --preset
 
-.PHONY: help demo test sanitize bench fuzz format lint clean
+.PHONY: help demo desktop test sanitize bench fuzz format lint clean
 
 help:
 	@echo "make demo      set up, build; write a Japanese mail, have it checked, read, answer and send it"
+	@echo "make desktop   set up, build, and start the program with windows"
 	@echo "make test      set up, build, and run all tests"
 	@echo "make sanitize  the tests under the address and undefined behaviour sanitizers"
 	@echo "make bench     the benchmarks, beside their yardsticks"
@@ -21,6 +22,12 @@ demo:
 	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF -DMAILENGINE_BUILD_DESKTOP=OFF
 	@$(BUILD) release
 	@scripts/demo
+
+desktop:
+	@scripts/setup desktop
+	@$(CONFIGURE) release -DMAILENGINE_BUILD_TESTS=OFF -DMAILENGINE_BUILD_DESKTOP=ON
+	@$(BUILD) release
+	@build/release/bin/mailengine-desktop
 
 test:
 	@scripts/setup desktop test

@@ -24,6 +24,7 @@
 #include <hostkit/gateway/Gateway.h>
 #include <hostkit/gateway/Glance.h>
 #include <hostkit/gateway/Mailbox.h>
+#include <hostkit/letter/AddressList.h>
 #include <hostkit/letter/Addresses.h>
 #include <hostkit/letter/Answer.h>
 #include <hostkit/letter/Diagnosis.h>
@@ -36,6 +37,7 @@
 #include <hostkit/letter/OpenedMail.h>
 #include <hostkit/letter/Outcome.h>
 #include <hostkit/letter/PartLimit.h>
+#include <hostkit/letter/Recovery.h>
 #include <hostkit/letter/SaveLetter.h>
 #include <hostkit/letter/SendLetter.h>
 #include <hostkit/letter/answer/Forward.h>

@@ -146,6 +146,25 @@ CString ToCodePage(std::string_view utf8, Extent extent, Missing missing, const 
     return CString(Entry(utf8, extent, missing, where).Convert());
 }
 
+std::vector<Place> UncarriedIn(std::string_view utf8) {
+    std::vector<Place> places;
+    Place place{.line = 1, .column = 1};
+    for (std::size_t i = 0; i < utf8.size();) {
+        const platform::Character character = platform::Utf8CharacterAt(utf8, i);
+        const bool isText =
+            character.code != platform::kNoCharacter &&
+            (IsControl(character.code) ? MayStandInLetter(character.code) : CodeFor(character.code) != -1);
+        if (!isText) places.push_back(place);
+        const bool isCrOfPair = character.code == '\r' && utf8.substr(i + 1).starts_with('\n');
+        if ((character.code == '\r' && !isCrOfPair) || character.code == '\n')
+            place = {.line = place.line + 1, .column = 1};
+        else if (!isCrOfPair)
+            ++place.column;
+        i += character.bytes;
+    }
+    return places;
+}
+
 std::string FromCodePage(std::string_view text) {
     CheckTables();
     std::string utf8;

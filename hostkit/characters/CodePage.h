@@ -12,6 +12,7 @@
 #include <hostkit/characters/Failure.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <mailengine/support/platform/text/String.h>
 
@@ -31,6 +32,10 @@ enum class Missing {
 // kMaxTextBytes.
 HOSTKIT_API CString ToCodePage(std::string_view utf8, Extent extent, Missing missing, const Place& where);
 inline constexpr std::size_t kMaxTextBytes = 256u << 20;  // lengths inside are int, and conversions multiply them
+
+// Where the characters of a letter stand that a Japanese mail cannot carry, and all else that ToCodePage would refuse;
+// the name is empty. For a program that marks them as they are typed.
+HOSTKIT_API std::vector<Place> UncarriedIn(std::string_view utf8);
 
 // The UTF-8 of a text in code page 932; U+FFFD for bytes that it gives no character for.
 HOSTKIT_API std::string FromCodePage(std::string_view text);

@@ -121,3 +121,14 @@ private:
     std::size_t m_next = 0;
     std::chrono::steady_clock::time_point m_again;
 };
+
+// Runs the tests of a program with a started toolkit, in one process: each would need a display of its own.
+inline int RunOnScreen(int argc, char** argv, const std::function<int()>& run) {
+    testing::InitGoogleTest(&argc, argv);
+    const Screen screen;
+    wxApp::SetInstance(new wxApp);
+    if (!wxEntryStart(argc, argv)) return 1;
+    const int result = run();
+    wxEntryCleanup();
+    return result;
+}

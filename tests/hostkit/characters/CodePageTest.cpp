@@ -119,4 +119,12 @@ TEST(Utf8, ShowsNothingThatATerminalWouldObey) {
               "日\\x1B[2J\\x0D\\x0A\\x7F\\x9B\\xFF\\u202E\\u200B");
 }
 
+TEST(CodePage, WhatCannotBeCarriedHasItsPlace) {
+    const std::vector<hostkit::Place> places = hostkit::UncarriedIn("髙😀\r\n\t〜\x01\n\r\xFFx");
+    std::string text;
+    for (const hostkit::Place& place : places)
+        text += std::to_string(place.line) + ':' + std::to_string(place.column) + ' ';
+    EXPECT_EQ(text, "1:2 2:3 4:1 ");
+}
+
 }  // namespace

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <hostkit/letter/AddressList.h>
 #include <hostkit/letter/Draft.h>
 #include <hostkit/letter/MailtoUrl.h>
+#include <hostkit/letter/Recovery.h>
 #include <sys/stat.h>
 #include <tests/FileBytes.h>
 #include <tests/TempFolder.h>
@@ -63,6 +65,40 @@ TEST(MailtoUrl, FillsInWhatIsSeenAndNothingElse) {
     EXPECT_TRUE(hostkit::LetterOfMailto("mailto:") == Letter());
     for (const char* const url : {"", "mailto", "http://a@b", "a@b"})
         EXPECT_THROW(hostkit::LetterOfMailto(url), hostkit::Failure);
+}
+
+TEST(AddressList, PartsWhereAJapaneseKeyboardDoes) {
+    const std::pair<const char*, std::vector<std::string>> rows[] = {
+        {" a@b , ;c@d；田中 <e@f>、\n　g@h　", {"a@b", "c@d", "田中 <e@f>", "g@h"}},
+        {"\"a, \\\"b; c\" <d@e>, <f,g@h>", {"\"a, \\\"b; c\" <d@e>", "<f,g@h>"}},
+        {"\"a, b@c", {"\"a", "b@c"}},
+        {" ,;", {}}};
+    for (const auto& [line, addresses] : rows) {
+        EXPECT_EQ(hostkit::AddressesIn(line), addresses) << line;
+        EXPECT_EQ(hostkit::AddressesIn(hostkit::LineOf(addresses)), addresses) << line;
+    }
+}
+
+TEST(Recovery, OnlyWhatNobodyWritesAtIsLeft) {
+    const CTempFolder state;
+    const std::filesystem::path folder = state.Native() / "a" / "recovery";
+    EXPECT_TRUE(hostkit::Recovery::LeftIn(folder).empty());
+    Letter letter;
+    letter.bcc = {"x"};
+    {
+        hostkit::Recovery idle(folder), kept(folder), left(folder);
+        kept.Keep(letter);
+        left.Keep(letter);
+        left.Leave();
+        EXPECT_TRUE(hostkit::Recovery::LeftIn(folder).empty());
+        EXPECT_EQ(std::filesystem::status(folder).permissions(), std::filesystem::perms::owner_all);
+    }
+    {
+        const auto found = hostkit::Recovery::LeftIn(folder);
+        ASSERT_EQ(found.size(), 1u);
+        EXPECT_EQ(found[0]->Kept(), letter);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
 }  // namespace
