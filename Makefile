@@ -5,7 +5,7 @@ CONFIGURE = cmake -DMAILENGINE_WERROR=$(WERROR) --log-level=WARNING --preset
 BUILD = cmake --build --parallel $(JOBS) --preset
 TEST = ctest --parallel $(JOBS) --preset
 
-.PHONY: help demo desktop test sanitize bench fuzz format lint clean
+.PHONY: help demo desktop test sanitize bench fuzz packages format lint clean
 
 help:
 	@echo "make demo      set up, build; write a Japanese mail, have it checked, read, answer and send it"
@@ -14,6 +14,7 @@ help:
 	@echo "make sanitize  the tests under the address and undefined behaviour sanitizers"
 	@echo "make bench     the benchmarks, beside their yardsticks"
 	@echo "make fuzz      the fuzzers, each for 20 seconds; SECONDS=1200 for longer"
+	@echo "make packages  Debian packages of all this, in build/packages/packages"
 	@echo "make format    format the sources; make lint checks format, code and house rules"
 	@echo "make clean     remove what was built"
 
@@ -51,6 +52,10 @@ SECONDS = 20
 fuzz:
 	@scripts/setup fuzz
 	@scripts/fuzz $(SECONDS)
+
+packages:
+	@scripts/setup packages
+	@scripts/packages
 
 format:
 	@scripts/setup lint

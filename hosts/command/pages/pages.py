@@ -123,6 +123,7 @@ def format_page(args, document):
                           input=text, check=True, capture_output=True, text=True).stdout
     # A table is not kept in one piece, which would be longer than a screen, nor is it drawn wider than the line.
     page = "'\\\" t\n.ad l\n" + page.replace("\\fC", "\\f(CR").replace(".SH\n", ".SH ").replace(".SS\n", ".SS ")
+    page = re.sub(r"(\d{8,}\.)(?=\d)", r"\1\\:", page)  # may be broken there, in a narrow column
     (args.out / "man7").mkdir(parents=True, exist_ok=True)
     (args.out / "man7/mailengine.7").write_text(page, encoding="utf-8")
 

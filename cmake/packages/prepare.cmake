@@ -1,0 +1,2 @@
+# Run by CPack between staging and packing.
+execute_process(COMMAND ${CPACK_MAILENGINE_PREPARE} ${CPACK_TEMPORARY_DIRECTORY} COMMAND_ERROR_IS_FATAL ANY)
