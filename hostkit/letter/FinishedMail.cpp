@@ -73,14 +73,37 @@ std::string WithoutBlind(std::string_view message, const gateway::Header& header
     return text += message.substr(kept);
 }
 
+[[noreturn]] void Refuse(const std::string& name, const std::string& fact) {
+    throw Failure(FailureKind::Message, {Field::None, name}, fact);
+}
+
+std::uint64_t LineOf(std::string_view message, std::size_t offset) {
+    const std::string_view before = message.substr(0, offset);
+    return static_cast<std::uint64_t>(std::count(before.begin(), before.end(), '\n')) + 1;
+}
+
+// Another reader may go on behind a line that is no field, and find a Bcc there that this one did not.
+void CheckHeader(std::string_view message, const gateway::Header& header, std::size_t bodyTop,
+                 const std::string& name) {
+    if (header.fields.empty()) Refuse(name, Words("is no message: it has no header"));
+    const std::string_view top = message.substr(0, bodyTop);
+    if (bodyTop == message.size() || top.ends_with("\n\n") || top.ends_with("\n\r\n")) return;
+    Refuse(name, Words("line {1} of its header is no field; an empty line ends a header", LineOf(message, bodyTop)));
+}
+
 }  // namespace
 
 FinishedMail TakeFinishedMail(std::string message, const std::string& name, const std::optional<std::string>& from,
                               const std::vector<std::string>& to, CMailDoc& doc) {
+    if (const std::size_t nul = message.find('\0'); nul != std::string::npos)
+        Refuse(name, Words("no mail can carry {1}", WordsFor({Uncarriable::What::Nul, LineOf(message, nul), nul})));
+    MessageForm form;  // of what the user can look into
+    form.Take(message);
+    // As on its way: a bare CR ends a line there, with a field behind it.
+    if (form.HasBareEnds()) message = LineEnds().Next(message);
     std::size_t bodyTop = 0;
     const gateway::Header header = gateway::ReadHeader(message, bodyTop);
-    if (header.fields.empty())
-        throw Failure(FailureKind::Message, {Field::None, name}, Words("is no message: it has no header"));
+    CheckHeader(message, header, bodyTop, name);
     const std::vector<std::string> senders = from ? std::vector{*from} : AddressesIn(header, "From", Field::From);
     if (!senders.empty()) doc.SetFromAddress(AddressOf(senders[0], Missing::Refuse, Field::From));
     AddRecipients(to.empty() ? AddressesIn(header, "To", Field::To) : to, Field::To, doc);
@@ -88,8 +111,6 @@ FinishedMail TakeFinishedMail(std::string message, const std::string& name, cons
         AddRecipients(AddressesIn(header, "Cc", Field::To), Field::Cc, doc);
         AddRecipients(AddressesIn(header, "Bcc", Field::To), Field::Bcc, doc);
     }
-    MessageForm form;  // of what the user can look into, so with the fields that go
-    form.Take(message);
     if (std::any_of(header.fields.begin(), header.fields.end(), IsBlind)) message = WithoutBlind(message, header);
     return {name, std::move(message), WordsFor(form.Fault())};
 }

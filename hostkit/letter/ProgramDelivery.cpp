@@ -150,7 +150,6 @@ Outcome SendLetter(const FinishedMail& mail, CMailDoc& doc, const MailProgram& p
     try {
         CheckEnvelope(doc);
         CheckProgram(program);
-        if (mail.message.find('\0') != std::string::npos) CheckSendable(mail);
         constexpr unsigned int kShare = 100;
         ProgressOperation operation(Words("Sending"), kShare, progress);
         const LocalMessage message(

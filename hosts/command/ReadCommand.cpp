@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <hostkit/characters/Failure.h>
+#include <hostkit/characters/MailText.h>
 #include <hostkit/characters/Utf8.h>
 #include <hostkit/characters/Words.h>
 #include <hostkit/files/MessageFile.h>
@@ -16,12 +17,13 @@
 
 namespace {
 
-// Text whose control characters are line ends and TABs: a terminal obeys the others.
+// Text of which a terminal obeys nothing but its line ends and TABs.
 bool IsForTerminal(const std::string& bytes) {
-    return hostkit::IsUtf8(bytes) && std::none_of(bytes.begin(), bytes.end(), [](char ch) {
-               return (ch >= '\0' && ch < ' ' && std::string_view("\t\r\n").find(ch) == std::string_view::npos) ||
-                      ch == 0x7F;
-           });
+    if (!hostkit::IsUtf8(bytes)) return false;
+    const std::string shown = hostkit::BodyShown(bytes);
+    std::string plain = bytes;
+    plain.erase(std::remove(plain.begin(), plain.end(), '\r'), plain.end());
+    return shown == plain || shown == plain + '\n';
 }
 
 }  // namespace

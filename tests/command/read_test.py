@@ -142,8 +142,9 @@ class ReadTest(unittest.TestCase):
                 (["1"], b"x", 65, "is no message"), (["1", "--json"], b"", 2, "--json"), (["1", "a", "b"], b"", 2, "one FILE")):
             self.assertEqual(self.run_it("read", "--show", *arguments, data=given, status=status, complaints=[words]), b"")
         main, terminal = os.openpty()
-        done = subprocess.run([COMMAND, "read", "--show", "2"], input=mails[0], stdout=terminal, stderr=subprocess.PIPE)
-        self.assertIn(b"terminal", done.stderr)
+        for given in mails[0], mails[0].replace(base64.b64encode(data), base64.b64encode("\u009b2J".encode())):
+            done = subprocess.run([COMMAND, "read", "--show", "2"], input=given, stdout=terminal, stderr=subprocess.PIPE)
+            self.assertIn(b"terminal", done.stderr)
         os.close(main), os.close(terminal)
 
     def test_extracted_names_are_clean_and_unique(self):

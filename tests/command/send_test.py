@@ -132,9 +132,10 @@ class SendTest(unittest.TestCase):
                 envelope, stored = server.mails()[-1]
                 self.assertEqual(stored, on_the_wire(sent))
                 self.assertEqual((envelope["from"], envelope["to"]), (sender, [f"{name}@example.test" for name in to]))
-        for data, said in ((top + b"\nx\0", b"a NUL in line 6, at byte 109"), (top + "件".encode(), b"above 7F in line 5, at byte 107"),
+        for data, said in ((top + b"\nx\0", b"a NUL in line 6, at byte 109"), (top + "\n件".encode(), b"above 7F in line 6, at byte 108"),
                            (top + b"\n" + b"x" * 999, b"998 bytes in line 6, at byte 1106"), (b"\xff\xd8 a JPEG", b"no header"),
-                           (b"", b""), (b"a: b\n\nx", b"--from"), (b"From: a@b\n\nx", b"--to"), (b"From: a@b..c\n\n", b"--from: the message's field From"),
+                           (b"", b""), (b"a: b\n\nx", b"--from"), (b"a: b\nc\nBcc: d@e\n\nx", b"line 2 of its header"),
+                           (b"a: b\rBcc: d\n\nx", b"the message's field Bcc"), (b"From: a@b\n\nx", b"--to"), (b"From: a@b..c\n\n", b"--from: the message's field From"),
                            (b"From: a@b\nCc: \"@\" <a@b>, c@d (@), e@@f\n\n", b"--to: the message's field Cc")):
             with self.subTest(said):
                 mail.write_bytes(data)
