@@ -50,8 +50,9 @@ Outcome NotSent(const ProgramResult& result, const std::string& program) {
     const bool isKnown = meaning != std::end(kMeanings);
     const std::string fact =
         isKnown ? Words("the mail was not sent: {1} (status {2}: {3})", said, result.status, Words(meaning->words))
-        : result.status < 0 ? Words("the mail was not sent: {1} (ended by signal {2})", said, -result.status)
-                            : Words("the mail was not sent: {1} (status {2})", said, result.status);
+        : result.status < 0  ? Words("the mail was not sent: {1} (ended by signal {2})", said, -result.status)
+        : result.status == 0 ? Words("the mail was not sent: {1} (it ended without reading the mail)", said)
+                             : Words("the mail was not sent: {1} (status {2})", said, result.status);
     const Failure failure(isKnown ? meaning->kind : FailureKind::Delivery, {}, fact);
     return {Outcome::State::Failed, failure.what(), {}, failure};
 }

@@ -12,6 +12,7 @@
 #include <memory>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -83,6 +84,24 @@ private:
     posix_spawnattr_t m_attributes{};
 };
 
+// Whether anybody reads a file, also by a descriptor of their own: the offset of ours does not tell that.
+class ReadingWatch {
+public:
+    explicit ReadingWatch(const std::filesystem::path& file) : m_events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        m_bWatches = m_events && inotify_add_watch(m_events.Number(), file.c_str(), IN_ACCESS) >= 0;
+    }
+
+    // True too where the system has no watch left.
+    bool WasRead() const {
+        inotify_event event;  // of a watched file: without a name behind it
+        return !m_bWatches || read(m_events.Number(), &event, sizeof event) > 0;
+    }
+
+private:
+    Descriptor m_events;
+    bool m_bWatches = false;
+};
+
 // A program that runs, from its beginning to its end.
 class Child {
 public:
@@ -115,11 +134,11 @@ public:
         return at > 0 ? static_cast<std::uint64_t>(at) : 0;
     }
 
-    ProgramResult Result(std::uint64_t bytes) const {
+    ProgramResult Result(std::uint64_t bytes, bool wasRead) const {
         using State = ProgramResult::State;
         const int status = WIFSIGNALED(m_nStatus) ? -WTERMSIG(m_nStatus) : WEXITSTATUS(m_nStatus);
         const bool isWhole = BytesRead() >= bytes;
-        State state = status == 0 ? State::Taken : State::NotTaken;
+        State state = status == 0 && wasRead ? State::Taken : State::NotTaken;
         if (m_bLost || (status != 0 && isWhole && (m_bStopped || status < 0)))
             state = State::Unknown;
         else if (status != 0 && m_bStopped)
@@ -201,9 +220,10 @@ ProgramResult RunProgram(const MailProgram& program, const std::string& sender,
     const Descriptor file(open(message.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
     if (!file || fstat(file.Number(), &status) != 0) Refuse(program, errno);
+    const ReadingWatch watch(message);
     Child child(program, arguments, file);
     child.Wait(goOn);
-    return child.Result(static_cast<std::uint64_t>(status.st_size));
+    return child.Result(static_cast<std::uint64_t>(status.st_size), watch.WasRead());
 }
 
 }  // namespace hostkit

@@ -25,7 +25,7 @@ HOSTKIT_API void CheckProgram(const MailProgram& program);
 struct ProgramResult {
     enum class State {
         Taken,      // it ended with 0, and the mail is the mail system's
-        NotTaken,   // it ended with another status, or before it had read all
+        NotTaken,   // it ended with another status, or with 0 and never looked at the mail
         Cancelled,  // it was stopped before it had read all
         Unknown,    // it read all, and was stopped or broke down before it said what became of it
     };

@@ -20,6 +20,7 @@ PROGRAMS = (  # what a program does, the command's exit status, what it says
     ('printf "%s\\n" "$@" >args; cat >mail; test ! -e /proc/self/fd/4', 0, ""),
     (READ + "printf 'so\\tso\\r\\n\\n\\377\\n' >&2; echo two; exit 75", 1, r"the mail was not sent: so\\x09so \\xFF two \(status 75: .*\)"),
     ("exit 68", 1, r"the mail was not sent: \./program \(status 68: a host does not exist\)"), ("exec <&-; exit 3", 1, r".*\(status 3\)"),
+    ("exit 0", 1, r".*\./program \(it ended without reading the mail\)"), ("head -c 1 /dev/stdin >/dev/null", 0, ""),
     ("head -c 9999999 /dev/zero; kill -9 $$", 1, r".*\(ended by signal 9\)"), (READ + "kill -9 $$", 76, ".* may have taken the mail: .*"),
 )
 CANCELLED = "cancelled; the mail was not sent"
