@@ -84,6 +84,12 @@ if(MAILENGINE_BUILD_HOSTS)
 This package holds the command mailengine, its manual pages and completions."
     DEPENDS libmailengine0 libmailengine-hostkit0 mailengine-l10n)
 endif()
+if(TARGET mailengine-desktop-program)
+  mailengine_package(mailengine-desktop mail "reads, writes and sends Japanese mails, with windows" "${about}
+.
+This package holds the program mailengine-desktop."
+    DEPENDS libmailengine0 libmailengine-hostkit0 libmailengine-desktop0 mailengine-l10n)
+endif()
 foreach(name ${CPACK_COMPONENTS_ALL})
   install(FILES ${PROJECT_SOURCE_DIR}/cmake/packages/lintian-overrides COMPONENT ${name}
           DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME ${name})
