@@ -57,7 +57,11 @@ std::string UnknownOption(const CLI::App& command, const std::string& word) {
 // Of what stood on the command line and nobody took, in its order. Empty: all was taken.
 std::string FaultOfExtras(const CLI::App& command) {
     const std::vector<std::string> extras = command.remaining();
-    const auto isOption = [](const std::string& word) { return word.size() > 1 && word[0] == '-' && word != "--"; };
+    // What stands behind "--" is none, whatever it looks like.
+    const auto isOption = [&](const std::string& word) {
+        return word.size() > 1 && word[0] == '-' && word != "--" &&
+               command.get_option_no_throw(word.substr(0, word.find('='))) == nullptr;
+    };
     const auto option = std::find_if(extras.begin(), extras.end(), isOption);
     if (command.get_parent() == nullptr && !extras.empty() && option != extras.begin())
         return UnknownCommand(command, extras[0]);

@@ -119,6 +119,7 @@ class WriteTest(unittest.TestCase):
             (["write", "-o", "-", "-s", "a", "--subject", "b"], "--subject is given more than once"),
             (["write", "-o", "-", "--body", "a", "--body-file", "-"], "--body and --body-file cannot both be given"),
             (["write", "-o", "-", "--attach", ""], "--attach: is empty"), (["read", "--json=x"], "--json takes no value"),
+            (["send", "--", "a", "--quiet"], "--quiet: more than the command takes"),
             (["send", "--server", "h", "--message", "1"], "--message needs FILE or --answer beside it"),
             (["reply", "x", "--message", "0x"], "--message: '0x' is no number from 1 up"), (["reply", "-o", "-"], "FILE is missing"),
         ):
