@@ -40,6 +40,7 @@
 #include <hostkit/letter/Recovery.h>
 #include <hostkit/letter/SaveLetter.h>
 #include <hostkit/letter/SendLetter.h>
+#include <hostkit/letter/SentCopy.h>
 #include <hostkit/letter/answer/Forward.h>
 #include <hostkit/outbox/MailProgram.h>
 #include <hostkit/settings/ByteCount.h>

@@ -41,6 +41,8 @@ const char* LabelOf(Field field) {
             return Marked("server");
         case Field::Folder:
             return Marked("folder");
+        case Field::Limit:
+            return Marked("limit");
     }
     return "";
 }

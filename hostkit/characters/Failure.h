@@ -49,6 +49,7 @@ enum class Field {
     Attachment,
     Server,
     Folder,
+    Limit,
 };
 
 struct Place {

@@ -1,5 +1,6 @@
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <hostkit/attachments/CarriedFiles.h>
 #include <hostkit/characters/CodePage.h>
 #include <hostkit/characters/MailText.h>
@@ -11,6 +12,7 @@
 
 #include <mailengine/model/Recipients.h>
 #include <mailengine/support/ProgressCallback.h>
+#include <mailengine/support/platform/files/Path.h>
 #include <mailengine/transport/Smtp.h>
 #include <mailengine/writer/EMailWriter.h>
 
@@ -18,6 +20,7 @@ namespace hostkit {
 
 namespace {
 
+constexpr std::uint64_t kMaxRestBytes = 1u << 20;  // of a message, beside body and attachments
 constexpr std::string_view kSmtpPort = "25";
 
 struct Server {
@@ -97,6 +100,30 @@ void CheckEnvelope(const CMailDoc& doc) {
                       Words("the mail has {1} recipients and a server need not take more than {2}; send it in parts",
                             recipients, static_cast<std::size_t>(CSmtp::kMaxRecipients)));
     }
+}
+
+void CheckSize(CMailDoc& doc, std::uint64_t limit) {
+    std::vector<CMailDoc::FileInfo> files;
+    doc.GetFiles(files);
+    std::uint64_t bytes = 0;
+    for (const CMailDoc::FileInfo& file : files) {
+        std::error_code gone;
+        const std::uintmax_t size = std::filesystem::file_size(platform::ToNativePath(file.Path), gone);
+        if (!gone)
+            bytes += file.Path.Right(4) == ".eml" ? size : size / 54 * 74;  // at least, in lines of 72 characters
+    }
+    CString body;
+    doc.GetBody(body);
+    const std::uint64_t most = bytes + kMaxRestBytes + 8 * static_cast<std::uint64_t>(body.GetLength());
+    if (bytes <= limit && most > limit) bytes = MessageBytes(doc);
+    CheckSize(bytes, limit);
+}
+
+void CheckSize(std::uint64_t bytes, std::uint64_t limit) {
+    if (bytes > limit)
+        throw Failure(
+            FailureKind::Value, {},
+            Words("the mail has {1} bytes, and the limit is {2}; send it in parts, or raise the limit", bytes, limit));
 }
 
 std::uint64_t MessageBytes(CMailDoc& doc) {

@@ -23,6 +23,12 @@ HOSTKIT_API std::vector<std::string> RecipientsOf(const CMailDoc& doc);
 // Throws Failure for a mail without a sender, without a recipient, or with more than a server must take.
 HOSTKIT_API void CheckEnvelope(const CMailDoc& doc);
 
+// Throws Failure, of the kind Value, for a message of more than limit bytes. Attachments that are far from it are not
+// read.
+HOSTKIT_API void CheckSize(CMailDoc& doc, std::uint64_t limit);
+HOSTKIT_API void CheckSize(std::uint64_t bytes, std::uint64_t limit);
+inline constexpr std::uint64_t kDefaultLimit = std::uint64_t{2} << 30;  // what mail programs can read
+
 // The bytes of the message as its recipients get it, without the blind copies. Throws Failure if it cannot be written.
 HOSTKIT_API std::uint64_t MessageBytes(CMailDoc& doc);
 

@@ -48,6 +48,8 @@ const char* OptionOf(Field field) {
             return "--server";
         case Field::Folder:
             return "--extract";
+        case Field::Limit:
+            return "--limit";
     }
     return "";
 }
@@ -72,7 +74,7 @@ const char* AdviceFor(const Failure& failure) {
 }
 
 int StatusOf(const Failure& failure) {
-    return failure.Where().field == Field::Server ? kExitUsage : kExitFailed;
+    return failure.Where().field == Field::Server || failure.Where().field == Field::Limit ? kExitUsage : kExitFailed;
 }
 
 int Fail(const std::string& text, int status) {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <hostkit/characters/Words.h>
+#include <hostkit/letter/Envelope.h>
+#include <hostkit/settings/ByteCount.h>
 
 #include "CommandLine.h"
 #include "Faults.h"
@@ -25,13 +27,15 @@ void CLetterOptions::AddTo(CLI::App& command) {
     Filled(command.add_option("--config", m_strConfig,
                               "The settings; else $XDG_CONFIG_HOME/mailengine/config.ini, if it is there"))
         ->type_name("FILE");
+    Filled(command.add_option("--limit", m_strLimit, "The largest message, as 500K, 25M or 2G; else 2G"))
+        ->type_name("SIZE");
     command.add_flag("--replace", m_bReplace, "Put 〓 for a character that a Japanese mail cannot carry");
     const std::vector<CLI::Option*> all = command.get_options();
     m_options.assign(all.begin() + static_cast<std::ptrdiff_t>(others), all.end());
 }
 
 void CLetterOptions::CheckForFinished() const {
-    constexpr std::string_view kUsed[] = {"--from", "--to", "--config"};
+    constexpr std::string_view kUsed[] = {"--from", "--to", "--config", "--limit"};
     for (const CLI::Option* option : m_options) {
         const std::string name = option->get_name();
         if (option->count() > 0 && std::find(std::begin(kUsed), std::end(kUsed), name) == std::end(kUsed))
@@ -66,6 +70,11 @@ void CLetterOptions::AddTextsTo(CLI::App& command) {
         ->excludes(body);
     command.add_option("--closing", m_letter.closing, "The closing words")->type_name("TEXT");
     command.add_option("--signature", m_letter.signature, "The signature")->type_name("TEXT");
+}
+
+std::uint64_t CLetterOptions::Limit() const {
+    return m_strLimit ? hostkit::BytesIn(*m_strLimit, hostkit::Field::Limit)
+                      : Settings().limit.value_or(hostkit::kDefaultLimit);
 }
 
 const hostkit::Settings& CLetterOptions::Settings() const {

@@ -27,6 +27,8 @@ public:
     const std::vector<std::string>& To() const { return m_letter.to; }
     // Throws CFailure for any other option of a letter, which cannot change a finished message.
     void CheckForFinished() const;
+    // The bytes of --limit, the settings, else 2 GiB, which no message may pass. Throws hostkit::Failure.
+    std::uint64_t Limit() const;
 
     // Whether a subject was given that has no character.
     bool HasEmptySubject() const { return m_letter.subject == ""; }
@@ -40,6 +42,7 @@ private:
     hostkit::Letter m_letter;
     std::optional<std::string> m_strBodyFile;
     std::optional<std::string> m_strConfig;
+    std::optional<std::string> m_strLimit;
     mutable std::optional<hostkit::Settings> m_settings;
     bool m_bReplace = false;
     std::vector<const CLI::Option*> m_options;  // the command's, those of a letter alone

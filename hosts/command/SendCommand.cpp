@@ -4,6 +4,7 @@
 #include <hostkit/characters/Words.h>
 #include <hostkit/letter/Envelope.h>
 #include <hostkit/letter/SendLetter.h>
+#include <hostkit/letter/SentCopy.h>
 #include <iostream>
 
 #include "Faults.h"
@@ -28,6 +29,7 @@ void PrintEnvelope(CMailDoc& doc, const Finished& finished) {
 }
 
 using Program = std::optional<hostkit::MailProgram>;
+using Maildir = std::optional<std::filesystem::path>;
 
 hostkit::Outcome SentBy(const Program& program, CMailDoc& doc, const Finished& finished,
                         const hostkit::Progress& progress) {
@@ -36,11 +38,18 @@ hostkit::Outcome SentBy(const Program& program, CMailDoc& doc, const Finished& f
     return program ? hostkit::SendLetter(doc, *program, progress) : hostkit::SendLetter(doc, progress);
 }
 
-void Send(CMailDoc& doc, const Finished& finished, const Program& program, bool quiet) {
+void Send(CMailDoc& doc, const Finished& finished, const Program& program, const Maildir& maildir, bool quiet) {
     {
+        std::optional<hostkit::SentCopy> copy;
+        if (maildir) copy.emplace(*maildir);
         CTerminalProgress progress(Words("Sending"),
                                    quiet ? CTerminalProgress::Shown::No : CTerminalProgress::Shown::Yes);
-        CheckDone(SentBy(program, doc, finished, [&](int percent) { return progress.Show(percent); }));
+        if (copy && finished) copy->Write(finished->message);
+        if (copy && !finished) copy->Write(doc);
+        const hostkit::Outcome sent =
+            SentBy(program, doc, finished, [&](int percent) { return progress.Show(percent); });
+        if (const std::string warning = copy ? copy->Keep(sent) : ""; !warning.empty()) terminal::Warn(warning);
+        CheckDone(sent);
     }
     if (!quiet) std::cerr << Words("The mail was sent.") + '\n' << std::flush;
 }
@@ -76,10 +85,14 @@ int CSendCommand::Run() const {
     const Finished finished = Prepare(doc);
     hostkit::CheckEnvelope(doc);
     if (finished && !program) hostkit::CheckSendable(*finished);
+    if (finished)
+        hostkit::CheckSize(finished->message.size(), m_letter.Limit());
+    else
+        hostkit::CheckSize(doc, m_letter.Limit());
     if (m_bDryRun)
         PrintEnvelope(doc, finished);
     else
-        Send(doc, finished, program, m_bQuiet);
+        Send(doc, finished, program, m_way.CopyFor(m_letter.Settings()), m_bQuiet);
     return 0;
 }
 

@@ -14,6 +14,13 @@ void CWayOut::AddTo(CLI::App& command) {
                               "The program of the mail system, which works as sendmail does; else /usr/sbin/sendmail"))
         ->type_name("PROGRAM")
         ->excludes(server->type_name("HOST[:PORT]"));
+    Filled(command.add_option("--copy", m_strCopy,
+                              "Keep a copy of what was sent in this Maildir; where it may have been sent, flagged"))
+        ->type_name("MAILDIR");
+}
+
+std::optional<std::filesystem::path> CWayOut::CopyFor(const hostkit::Settings& settings) const {
+    return m_strCopy ? std::filesystem::path(*m_strCopy) : settings.copy;
 }
 
 std::optional<hostkit::MailProgram> CWayOut::ProgramFor(const hostkit::Settings& settings, CMailDoc& doc) const {

@@ -17,7 +17,11 @@ public:
     // hostkit::Failure for a server that is none.
     std::optional<hostkit::MailProgram> ProgramFor(const hostkit::Settings& settings, CMailDoc& doc) const;
 
+    // The Maildir that keeps a copy, if any does.
+    std::optional<std::filesystem::path> CopyFor(const hostkit::Settings& settings) const;
+
 private:
+    std::optional<std::string> m_strCopy;
     std::optional<std::string> m_strServer;
     std::optional<std::string> m_strProgram;
 };

@@ -1,5 +1,7 @@
 #include "WriteCommand.h"
 
+#include <hostkit/letter/Envelope.h>
+
 #include "CommandLine.h"
 
 CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Write a mail to a message file") {
@@ -13,6 +15,7 @@ CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Wr
 int CWriteCommand::Run() const {
     CMailDoc doc;
     m_letter.Letter().Fill(doc);
+    hostkit::CheckSize(doc, m_letter.Limit());
     m_output.Save(doc, *m_output.Target());
     return 0;
 }

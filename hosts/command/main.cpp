@@ -13,6 +13,7 @@
 #include "Terminal.h"
 #include "UsageFault.h"
 
+using hostkit::Marked;
 using hostkit::Words;
 
 namespace {
@@ -63,12 +64,15 @@ private:
 int Run(int argc, char** argv) {
     CLI::App program;
     const auto commands = AddCommands(program);
+    program.set_version_flag("--version", "mailengine " MAILENGINE_VERSION, Marked("Show the version and end"));
     const CHelp help(program);
     TranslateHelp(program);
     try {
         program.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         return Help(program.help());
+    } catch (const CLI::CallForVersion& version) {
+        return Help(std::string(version.what()) + '\n');
     } catch (const CLI::ParseError&) {
         const std::vector<CLI::App*> asked = program.get_subcommands();
         const std::string fault = UsageFault(asked.empty() ? program : *asked[0], {argv, argv + argc});

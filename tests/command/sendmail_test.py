@@ -76,6 +76,26 @@ class SendmailTest(unittest.TestCase):
         self.assertEqual(same((self.folder / "mail").read_bytes()), same(self.written()))
         self.check(self.start(program="./nosuch"), 1, r"\./nosuch: no mail can be given .*--server.*")
 
+    def test_a_copy_is_kept_of_what_was_or_may_have_been_sent(self):
+        for script, status, flags in (READ, 0, "S"), (READ + "exit 75", 1, None), (READ + "kill -9 $$", 76, "FS"):
+            self.program(script)
+            process = self.start("--copy", "sent", "--bcc", "b@example.test", "--attach", "写真.bin")
+            process.communicate(timeout=60)
+            self.assertEqual(process.returncode, status)
+            kept = [path for path in (self.folder / "sent").rglob("*") if path.is_file()]
+            self.assertEqual([path.name.split(":2,")[1] for path in kept], [flags] if flags else [])
+            for path in kept:
+                self.assertEqual(same(path.read_bytes()), same(self.written("--bcc", "b@example.test", "--attach", "写真.bin")))
+                path.unlink()
+        self.program("cat >mail; rm -r sent/cur")
+        self.check(self.start("--copy", "sent"), 0, "warning: no copy of the mail is kept in .*sent: .*")
+        (self.folder / "mail").unlink()
+        self.check(self.start("--copy", "sent"), 1, "sent: is no Maildir: it has no folder cur")
+        for size in "100K", "600K":  # the attachment's own, and its Base64
+            self.check(self.start("--limit", size, "--attach", "写真.bin"), 1, "the mail has .*")
+        self.check(self.start("--limit", "1x"), 2, "--limit '1x': .*")
+        self.assertFalse((self.folder / "mail").exists())
+
     def test_a_cancel(self):
         for script, status, said in HANGING:
             with self.subTest(script):
