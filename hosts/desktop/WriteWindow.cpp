@@ -76,6 +76,13 @@ WriteWindow::WriteWindow(wxWindow* parent, const hostkit::Settings& settings, co
     m_kept = m_form->Typed();
     SetDropTarget(new FileDrop(*m_form));
     Bind(wxEVT_CLOSE_WINDOW, &WriteWindow::OnClose, this);
+    // A field of many lines would take it for a line end, whatever the menu says.
+    Bind(wxEVT_CHAR_HOOK, [this](wxKeyEvent& event) {
+        if (event.GetKeyCode() == WXK_RETURN && event.GetModifiers() == wxMOD_CONTROL)
+            Send();
+        else
+            event.Skip();
+    });
     Bind(wxEVT_TIMER, [this](wxTimerEvent&) { Keep(); });
     m_keep.Start(kKeepPause);
 }

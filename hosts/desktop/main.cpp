@@ -1,6 +1,7 @@
 // mailengine-desktop: a program with windows that reads, writes and sends mail.
 //
 //     mailengine-desktop [FOLDER | MESSAGE | DRAFT | mailto:URL]...
+#include <clocale>
 #include <desktop/ToolkitWindows.h>
 #include <wx/app.h>
 
@@ -21,6 +22,9 @@ hostkit::Settings SettingsOrNone() {
 class Program : public wxApp {
 public:
     bool OnInit() override {
+        // The toolkit keeps the language to itself.
+        std::setlocale(LC_CTYPE, "");
+        std::setlocale(LC_MESSAGES, "");
         CWindowSystem::Install(&m_windows);
         SetAppName("mailengine");
         SetClassName("mailengine-desktop");

@@ -73,7 +73,11 @@ protected:
         PumpUntil([] { return wxTopLevelWindows.empty(); });
         CWindowSystem::Install(nullptr);
     }
-    void Send(WriteWindow& mail) { mail.ProcessWindowEvent(*std::make_unique<wxCommandEvent>(wxEVT_MENU, wxID_APPLY)); }
+    void Send(WriteWindow& mail) {
+        wxCommandEvent chosen(wxEVT_MENU, wxID_APPLY);
+        mail.ProcessWindowEvent(chosen);
+        wxTheApp->ProcessPendingEvents();
+    }
 
     CTempFolder folder;
     hostkit::Settings settings;
