@@ -81,16 +81,13 @@ CString DecodeEncodedWord(std::string_view charset, std::string_view encoding, s
     return word;
 }
 
-// Offset of the double quote that ends the quoted string at the top of text, -1 if none. A backslash in front of a
-// quote takes its meaning, but the second byte of a character is no backslash.
+// Offset of the double quote that ends the quoted string at the top of text, -1 if none. The byte in front of a quote
+// decides: one that is the second byte of a character (表 ends in 0x5C) hides the quote as a backslash does.
 int FindClosingQuote(std::string_view text) {
-    bool escaped = false;
-    for (std::size_t at = 1, bytes = 1; at < text.size() && text[at] != 0; at += bytes) {
-        bytes = platform::CharacterBytes(text, at);
-        if (text[at] == '"' && !escaped) return static_cast<int>(at);
-        escaped = bytes == 1 && text[at] == '\\';
-    }
-    return -1;
+    int quote = Find(text, "\"", 1);
+    while (quote != -1 && text[static_cast<std::size_t>(quote) - 1] == '\\')
+        quote = Find(text, "\"", quote + 1);
+    return quote;
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ TEST(Addresses, AreCutAtCommasOutsideALeadingQuote) {
            {",,", "[][][]"},
            {"\"abc", "[\"abc]"},
            {"\"a\\\", b", "[\"a\\\"][b]"},
-           {"\"\x95\x5C\", b\" <r>", "[\"\x95\x5C\"][b\" <r>]"}},  // 表 ends in no backslash
+           {"\"\x95\x5C\", b\" <r>", "[\"\x95\x5C\", b\" <r>]"}},  // 表 ends in the byte of a backslash
           [](const std::string& value) {
               CStringArray list;
               EXPECT_EQ(Reader().PerseAddressField(CString("To: " + value + "\r\n"), 0, "To", list), 1);
