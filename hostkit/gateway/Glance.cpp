@@ -5,6 +5,7 @@
 #include <hostkit/gateway/entities/Fields.h>
 #include <hostkit/gateway/entities/ParserOptions.h>
 #include <hostkit/gateway/text/EncodedWords.h>
+#include <initializer_list>
 #include <memory>
 
 namespace hostkit {
@@ -25,6 +26,17 @@ bool MayHaveAttachments(const Content& content) {
     if (content.IsMultipart()) return false;
     const bool isText = content.IsText() || content.Is("application/xhtml+xml");
     return content.isAttachment || !isText;
+}
+
+// A memo or a table whose every line is "word: text" looks like a header too.
+bool HasFieldOfMail(const Header& header) {
+    const auto hasAny = [&](std::initializer_list<std::string_view> names) {
+        return std::any_of(names.begin(), names.end(),
+                           [&](std::string_view name) { return header.Find(name) != nullptr; });
+    };
+    return hasAny({"From", "To", "Cc", "Bcc", "Subject", "Date", "Message-ID", "Sender", "Reply-To", "In-Reply-To"}) ||
+           hasAny({"References", "Received", "Return-Path", "Delivered-To", "Newsgroups", "MIME-Version"}) ||
+           hasAny({"Content-Type", "Content-Transfer-Encoding", "Content-Disposition"});
 }
 
 }  // namespace
@@ -53,7 +65,7 @@ Glance GlanceAt(std::string_view message) {
         return field == nullptr ? "" : DecodeWords(Unfold(field->raw), Words::Text, content.charset);
     };
     Glance glance;
-    glance.isMessage = !header.fields.empty();
+    glance.isMessage = HasFieldOfMail(header);
     if (const Field* const from = header.Find("From"); from != nullptr) {
         std::vector<Mailbox> senders;
         ReadAddresses(from->raw, content.charset, senders);

@@ -20,7 +20,7 @@ struct Glance {
     // By the type of the whole message: a multipart/mixed, or a single part that is no text or says that it is an
     // attachment. One that lies deeper, in a signed message for instance, is not seen.
     bool hasAttachments = false;
-    bool isMessage = false;  // it begins with header fields, as every message does (RFC 5322 2.1)
+    bool isMessage = false;  // it begins with header fields (RFC 5322 2.1), and mail knows one of them
 };
 
 // message may end behind its header, which is all that is looked at.

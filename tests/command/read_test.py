@@ -192,7 +192,7 @@ class ReadTest(unittest.TestCase):
         self.run_it("read", "--extract", "full", data=mail(), status=1, complaints=["--extract full"])
 
     def test_what_is_no_message_is_not_shown_as_one(self):
-        for data, words in (b"", "is empty"), (b"\n\n", "is empty"), (bytes.fromhex("ffd8ffe0") + b"\0\nTo: x\n\n", "is no message"), (b"hello\n", "is no message"):
+        for data, words in (b"", "is empty"), (b"\n\n", "is empty"), (bytes.fromhex("ffd8ffe0") + b"\0\nTo: x\n\n", "is no message"), (b"hello\n", "is no message"), (b"milk: 2\nrice: 1\n", "is no message"):
             for arguments in [], ["--headers"]:
                 with self.subTest(words=words, arguments=arguments):
                     self.assertEqual(self.run_it("read", *arguments, data=data, status=65, complaints=[words]), b"")

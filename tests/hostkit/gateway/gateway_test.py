@@ -332,7 +332,7 @@ class GatewayTest(unittest.TestCase):
             b"Subject: parts\nContent-Type: multipart/mixed; boundary=b\n\n" + b"--b\n\nx\n" * 30000,
             b"To: " + b"g:" * 80000 + b"\n\n", b"To: " + b"a@b, " * 20000 + b"\n\n", b"To: " + b"<g:\"" * 80000 + b"\n\n",
             b"Subject: " + b"=?utf-8?Q?" * 80000 + b"\n\n", b"Subject: " + b"=?utf-8?Q?a?= " * 40000 + b"\n\n",
-            b"To: " + b"(" * 80000 + b"\n\n", b"Content-Type: a/b" + b"; x*0*=a" * 40000 + b"\n\n", b"X: y\n" * 200000 + b"\n",
+            b"To: " + b"(" * 80000 + b"\n\n", b"Content-Type: a/b" + b"; x*0*=a" * 40000 + b"\n\n", b"To: c@d\n" + b"X: y\n" * 200000 + b"\n",
             b"Content-Type: text/html\n\n" + b"<div>" * 100000, b"Content-Type: text/html\n\n" + b"<blockquote><p>x" * 50000,
             b"Content-Type: text/html\n\n<a href=\"" + b"x" * 200000, b"Content-Type: text/html\n\n" + b"&#x41;&lt;" * 100000,
             b"Content-Type: text/html\n\n" + b"<a href='http://x'>" * 50000, b"Content-Type: text/html\n\n" + b"<!-- " * 100000]
