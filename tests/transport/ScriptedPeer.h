@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -115,7 +116,10 @@ private:
     }
     bool TakePiece() {
         char piece[65536];
-        const ssize_t count = recv(m_connection, piece, sizeof piece, 0);
+        ssize_t count = 0;
+        do {
+            count = recv(m_connection, piece, sizeof piece, 0);
+        } while (count < 0 && errno == EINTR);  // a test's signal may come to this thread
         if (count > 0) m_received.append(piece, static_cast<std::size_t>(count));
         return count > 0;
     }
