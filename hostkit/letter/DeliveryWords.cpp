@@ -84,8 +84,11 @@ std::string ReasonOf(const CMailSendRecv::Result& result, const CMailDoc& doc) {
                                                     : lines + ": " + ConnectionWords(result.systemError, ServerOf(doc));
 }
 
-bool AsksForLogin(const CMailSendRecv::Result& result) {
-    return result.replyCode == 530 || result.replyCode == 534 || result.replyCode == 538;
+FailureKind KindOf(const CMailSendRecv::Result& result) {
+    if (result.replyCode == 530 || result.replyCode == 534 || result.replyCode == 538) return FailureKind::Login;
+    if (result.systemError == EAI_NONAME || result.systemError == EAI_NODATA) return FailureKind::NoHost;
+    const bool mayWork = result.systemError != 0 || (result.replyCode >= 400 && result.replyCode < 500);
+    return mayWork ? FailureKind::Later : FailureKind::Delivery;
 }
 
 }  // namespace hostkit

@@ -42,12 +42,11 @@ Outcome OutcomeOf(const CMailSendRecv::Result& result, const std::string& reason
         return NotDone(Outcome::State::Unknown,
                        {FailureKind::Delivery, {}, Words("the server may have taken the mail: {1}", reason)});
     if (reason.empty()) return NotSent();
-    if (!AsksForLogin(result))
-        return NotDone(Outcome::State::Failed,
-                       {FailureKind::Delivery, {}, Words("the mail was not sent: {1}", reason)});
-    return NotDone(
-        Outcome::State::Failed,
-        {FailureKind::Login, {}, Words("the mail was not sent: {1}: the server asks for login or encryption", reason)});
+    const FailureKind kind = KindOf(result);
+    const std::string text = kind == FailureKind::Login
+                                 ? Words("the mail was not sent: {1}: the server asks for login or encryption", reason)
+                                 : Words("the mail was not sent: {1}", reason);
+    return NotDone(Outcome::State::Failed, {kind, {}, text});
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ public:
     // Whether the command line asked for this command.
     bool IsAsked() const { return m_pCommand->parsed(); }
     std::string Name() const { return m_pCommand->get_name(); }
-    // Does the work and gives the exit status: 0, or kExitFailed where each fault has its line on stderr already.
+    // Does the work and gives the exit status: 0, or that of the last fault, where each has its line on stderr already.
     // Throws CFailure and hostkit::Failure for a fault that ends the command.
     virtual int Run() const = 0;
 

@@ -74,7 +74,38 @@ const char* AdviceFor(const Failure& failure) {
 }
 
 int StatusOf(const Failure& failure) {
-    return failure.Where().field == Field::Server || failure.Where().field == Field::Limit ? kExitUsage : kExitFailed;
+    if (failure.Where().field == Field::Server || failure.Where().field == Field::Limit) return kExitUsage;
+    switch (failure.Kind()) {
+        case FailureKind::SameFile:
+            return kExitUsage;
+        case FailureKind::Value:
+        case FailureKind::Uncarried:
+        case FailureKind::Message:
+        case FailureKind::Unfit:
+            return EX_DATAERR;
+        case FailureKind::Input:
+            return EX_NOINPUT;
+        case FailureKind::NoHost:
+            return EX_NOHOST;
+        case FailureKind::Delivery:
+        case FailureKind::Login:
+        case FailureKind::Program:
+            return EX_UNAVAILABLE;
+        case FailureKind::System:
+            return EX_OSERR;
+        case FailureKind::Target:
+        case FailureKind::Unkept:
+            return EX_CANTCREAT;
+        case FailureKind::Output:
+            return EX_IOERR;
+        case FailureKind::Later:
+            return EX_TEMPFAIL;
+        case FailureKind::Rights:
+            return EX_NOPERM;
+        case FailureKind::Settings:
+            return EX_CONFIG;
+    }
+    return EX_SOFTWARE;
 }
 
 int Fail(const std::string& text, int status) {
@@ -102,8 +133,8 @@ int ReportFault() {
     } catch (const Failure& failure) {
         return Fail(Words(AdviceFor(failure), failure.Sentence(OptionOf(failure.Where().field))), StatusOf(failure));
     } catch (const std::bad_alloc&) {
-        return Fail(Words("there is not enough memory; give smaller texts"), kExitFailed);
+        return Fail(Words("there is not enough memory; give smaller texts"), EX_OSERR);
     } catch (const std::exception& error) {
-        return Fail(Words("this should not have happened: {1}", error.what()), kExitFailed);
+        return Fail(Words("this should not have happened: {1}", error.what()), EX_SOFTWARE);
     }
 }

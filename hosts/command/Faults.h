@@ -4,21 +4,21 @@
 #include <hostkit/letter/Outcome.h>
 #include <stdexcept>
 #include <string>
+#include <sysexits.h>
 
-inline constexpr int kExitFailed = 1;  // what was asked could not be done; nothing half done stays behind
-inline constexpr int kExitUsage = 2;   // the command line itself is wrong: an option unknown, missing or in conflict
-inline constexpr int kExitData = 65;   // what was given to read is no message at all (EX_DATAERR of sysexits.h)
+// The exit statuses are those of sysexits.h, as sendmail and msmtp give them, so that a script can tell later from
+// never. Help and docs/command.md list those in use.
+inline constexpr int kExitUsage = EX_USAGE;  // the command line itself: an option unknown, missing or in conflict
 // The whole mail went out, but nobody said that it was taken: a second try may double it. A script may try again behind
-// a failure, but not behind this (EX_PROTOCOL of sysexits.h).
-inline constexpr int kExitUnknown = 76;
+// a failure, but not behind this.
+inline constexpr int kExitUnknown = EX_PROTOCOL;
 inline constexpr int kExitCancelled = 130;  // Ctrl-C ended it, as shells tell it (128 and the number of SIGINT)
 
 // A fault of the command's own. Its text is one line of UTF-8 that names the thing and says what to do; the kit's
 // faults are hostkit::Failure.
 class CFailure : public std::runtime_error {
 public:
-    explicit CFailure(const std::string& text, int status = kExitFailed)
-        : std::runtime_error(text), m_nStatus(status) {}
+    explicit CFailure(const std::string& text, int status = EX_DATAERR) : std::runtime_error(text), m_nStatus(status) {}
 
     int Status() const { return m_nStatus; }
 

@@ -18,7 +18,7 @@ std::vector<std::string> OrStandardInput(const std::vector<std::string>& files);
 
 // Calls take with each message of each file ("-" is standard input). What it throws for one, memory that ends there
 // too, is told with the message's name and ends that one alone; what was put out for one gets out before the next is
-// read. Gives the exit status: 0, or kExitFailed. Throws CFailure if what was put out did not get there.
+// read. Gives the exit status: 0, or that of the last fault. Throws CFailure if what was put out did not get there.
 int ForEachMessage(const std::vector<std::string>& files, const std::function<void(CFoundMessage)>& take);
 
 // The one message in file, or, of many, the one with the number. Throws CFailure if that does not say which, and

@@ -49,9 +49,8 @@ CReadCommand::CReadCommand(CLI::App& program) : CCommand(program, "read", "Show 
         ->needs(show);
     m_pCommand->footer(
         "Mail of any charset and form is read; what is not as it came is told in warnings. Control characters are\n"
-        "spelled (\\x1B). No file in DIR is replaced. Many messages are shown as each is read.\n"
-        "Exit status: 0, or 1 if any message could not be read; what could be read is still shown; 65 if one is no "
-        "message at all.");
+        "spelled (\\x1B). No file in DIR is replaced. Many messages are shown as each is read; what could be read of\n"
+        "one with a fault is still shown.");
 }
 
 int CReadCommand::Run() const {
@@ -76,7 +75,7 @@ void CReadCommand::Read(CFoundMessage found) const {
     }
     for (const std::string& warning : opened.warnings)
         terminal::Warn(message.name + ": " + warning);
-    if (!opened.isMessage) throw CFailure(message.name + ": " + opened.fault, kExitData);
+    if (!opened.isMessage) throw CFailure(message.name + ": " + opened.fault);
     if (!opened.fault.empty())
         throw hostkit::Failure(hostkit::FailureKind::Message, {hostkit::Field::None, message.name}, opened.fault);
 }
@@ -87,8 +86,7 @@ void CReadCommand::Show() const {
     const hostkit::WorkFolder folder;
     const hostkit::OpenedMail opened =
         hostkit::OpenMail(std::move(message.bytes), {.folder = folder.Path(), .strict = m_bStrict});
-    if (!opened.fault.empty())
-        throw CFailure(message.name + ": " + opened.fault, opened.isMessage ? kExitFailed : kExitData);
+    if (!opened.fault.empty()) throw CFailure(message.name + ": " + opened.fault);
     for (const std::string& warning : opened.warnings)
         terminal::Warn(message.name + ": " + warning);
     if (*m_nShown > opened.files.size())

@@ -18,8 +18,7 @@ CReplyCommand::CReplyCommand(CLI::App& program) : CCommand(program, "reply", "Wr
         "to its recipients. --to and --cc add to these. The subject is the old one with \"Re: \", or --subject.\n"
         "The body is the old mail, quoted, and below it --body; with\n"
         "--upper-reply it is --body, closing and signature, and the old mail below a line that says so. What a\n"
-        "Japanese mail cannot carry of the old mail becomes 〓.\n"
-        "Exit status: 0 written, 1 failed, 2 the command line is wrong.");
+        "Japanese mail cannot carry of the old mail becomes 〓.");
 }
 
 int CReplyCommand::Run() const {

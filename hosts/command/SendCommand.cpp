@@ -72,11 +72,7 @@ CSendCommand::CSendCommand(CLI::App& program) : CCommand(program, "send", "Send 
         "Texts are UTF-8. The recipients are those of --to, --cc and --bcc, the sender with --sender-bcc, and those\n"
         "of an answer, each once; they get the whole mail or nothing. Nobody can read who the blind copies go to.\n"
         "A finished message goes to those of --to, else of its To, Cc and Bcc; its sender is --from, else its From.\n"
-        "Ctrl-C cancels, a second one ends the program at once.\n"
-        "Exit status: 0 the server or the mail system took the mail, 1 failed, 2 the command line is wrong, 76 the "
-        "whole mail went out "
-        "but\n"
-        "no verdict came (a second try may double it), 130 cancelled.");
+        "Ctrl-C cancels, a second one ends the program at once.");
 }
 
 int CSendCommand::Run() const {

@@ -11,8 +11,9 @@ namespace {
 void Check(int descriptor, int wrongWay, const std::string& name) {
     const int flags = fcntl(descriptor, F_GETFL);
     if (flags != -1 && (flags & O_ACCMODE) != wrongWay) return;
-    throw hostkit::Failure(hostkit::FailureKind::Target, {hostkit::Field::None, name},
-                           hostkit::Words("is closed; open it, or name a file"));
+    using hostkit::FailureKind;
+    throw hostkit::Failure(wrongWay == O_WRONLY ? FailureKind::Input : FailureKind::Target,
+                           {hostkit::Field::None, name}, hostkit::Words("is closed; open it, or name a file"));
 }
 
 }  // namespace

@@ -11,8 +11,7 @@ CSubjectCommand::CSubjectCommand(CLI::App& program) : CCommand(program, "subject
     options::AddFiles(*m_pCommand, m_strFiles, "Messages, mboxes, Maildirs, folders; none or - is standard input");
     options::AddStrict(*m_pCommand, m_bStrict);
     m_pCommand->footer(
-        "One line each: of one message the subject, of many FILE (and the number in an mbox), a TAB and the subject.\n"
-        "Exit status: 0, or 1 if any message could not be read; the others are still shown.");
+        "One line each: of one message the subject, of many FILE (and the number in an mbox), a TAB and the subject.");
 }
 
 int CSubjectCommand::Run() const {

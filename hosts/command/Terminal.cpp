@@ -46,5 +46,6 @@ void terminal::Finish() {
     Flush();
     if (g_error == EBADF) CheckStandardOutput();
     if (g_error != 0)
-        throw CFailure(hostkit::Words("standard output: cannot be written: {1}", hostkit::SystemWords(g_error)));
+        throw CFailure(hostkit::Words("standard output: cannot be written: {1}", hostkit::SystemWords(g_error)),
+                       EX_IOERR);
 }

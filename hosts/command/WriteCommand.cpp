@@ -7,9 +7,7 @@
 CWriteCommand::CWriteCommand(CLI::App& program) : CCommand(program, "write", "Write a mail to a message file") {
     m_letter.AddTo(*m_pCommand);
     m_output.AddTo(*m_pCommand);
-    m_pCommand->footer(
-        "Texts are UTF-8. An existing FILE is replaced only by a whole message.\n"
-        "Exit status: 0 written, 1 failed, 2 the command line is wrong.");
+    m_pCommand->footer("Texts are UTF-8. An existing FILE is replaced only by a whole message.");
 }
 
 int CWriteCommand::Run() const {

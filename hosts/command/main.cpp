@@ -90,7 +90,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     // Left alone, libc learns from the first large text that it frees to keep the next ones.
     mallopt(M_MMAP_THRESHOLD, kLargeTextBytes);
-    if (!OpenMissingStandardFiles()) return kExitFailed;
+    if (!OpenMissingStandardFiles()) return EX_OSERR;
     // The user's language, and the characters for what libc says in it; numbers and dates stay those of protocols.
     std::setlocale(LC_CTYPE, "");
     std::setlocale(LC_MESSAGES, "");

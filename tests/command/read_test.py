@@ -121,12 +121,12 @@ class ReadTest(unittest.TestCase):
         self.assertEqual(len(os.listdir(self.folder / "new/deep")), len(names))
         self.opened(mixed(file(".."), file(".")), "--extract", "odd")
         long = mixed(file("x" * 300))
-        self.run_it("read", "--strict", "--extract", "odd", data=long, status=1, complaints=["name that no file can have"])
+        self.run_it("read", "--strict", "--extract", "odd", data=long, status=65, complaints=["name that no file can have"])
         self.assertEqual(self.opened(long, "--extract", "odd")["files"][0]["name"], "x" * 255)
         self.assertEqual(len(os.listdir(self.folder / "odd")), 3)
         (self.folder / "odd").chmod(0o500)
         if os.geteuid() != 0:
-            self.run_it("read", "--extract", "odd", data=data, status=1, complaints=["written into odd"])
+            self.run_it("read", "--extract", "odd", data=data, status=73, complaints=["written into odd"])
         self.assertEqual(sorted(os.listdir(self.folder)), ["new", "odd", "out", "tmp"])
 
     def test_one_attachment_goes_to_standard_output(self):
@@ -138,8 +138,8 @@ class ReadTest(unittest.TestCase):
         self.assertEqual(self.run_it("read", "--show", "2", data=mails[0]), data)
         self.assertEqual(self.run_it("read", "--show", "2", "--message", "2", data=box), data)
         for arguments, given, status, words in (
-                (["3"], mails[0], 1, "has 2 attachments"), (["0"], b"", 2, "no number"), (["1"], box, 2, "--message"),
-                (["1"], b"x", 65, "is no message"), (["1", "--json"], b"", 2, "--json"), (["1", "a", "b"], b"", 2, "one FILE")):
+                (["3"], mails[0], 65, "has 2 attachments"), (["0"], b"", 64, "no number"), (["1"], box, 64, "--message"),
+                (["1"], b"x", 65, "is no message"), (["1", "--json"], b"", 64, "--json"), (["1", "a", "b"], b"", 64, "one FILE")):
             self.assertEqual(self.run_it("read", "--show", *arguments, data=given, status=status, complaints=[words]), b"")
         main, terminal = os.openpty()
         for given in mails[0], mails[0].replace(base64.b64encode(data), base64.b64encode("\u009b2J".encode())):
@@ -162,11 +162,11 @@ class ReadTest(unittest.TestCase):
         data = mixed(file("small"), file("big", "x" * 200_000))
         full = ["'big' cannot be written into out: File too large"]
         (self.folder / "here").mkdir()
-        self.run_it("read", "--extract", "out", data=data, status=1, complaints=full, preexec_fn=limit)
-        self.run_it("read", "--strict", "--extract", "out", data=mixed(file("a"), closing=""), status=1, complaints=["closing"])
+        self.run_it("read", "--extract", "out", data=data, status=65, complaints=full, preexec_fn=limit)
+        self.run_it("read", "--strict", "--extract", "out", data=mixed(file("a"), closing=""), status=65, complaints=["closing"])
         self.run_it("read", "--extract", "out", data=mail())
         self.assertEqual(sorted(os.listdir(self.folder)), ["here", "tmp"])
-        self.run_it("read", "--extract", "here", data=data, status=1, complaints=["File too large"], preexec_fn=limit)
+        self.run_it("read", "--extract", "here", data=data, status=65, complaints=["File too large"], preexec_fn=limit)
         self.assertEqual(os.listdir(self.folder / "here"), [])
 
     def test_names_the_fault_and_shows_what_could_be_read(self):
@@ -182,14 +182,13 @@ class ReadTest(unittest.TestCase):
             (mixed(attached), "1: the attached mail cannot be read: it has no MIME-Version 1.0"),
         ):
             with self.subTest(words):
-                status = 1 if data else 65
-                shown = self.run_it("read", "--strict", data=data, status=status, complaints=[words]).decode()
+                shown = self.run_it("read", "--strict", data=data, status=65, complaints=[words]).decode()
                 self.assertEqual("Subject: trait" in shown, data != b"")
                 (self.folder / "mail").write_bytes(data)
-                read = self.opened(b"", "--strict", "mail", status=status, complaints=["mail: "])
+                read = self.opened(b"", "--strict", "mail", status=65, complaints=["mail: "])
                 self.assertIn(words, read["error"])
         (self.folder / "full").touch()
-        self.run_it("read", "--extract", "full", data=mail(), status=1, complaints=["--extract full"])
+        self.run_it("read", "--extract", "full", data=mail(), status=73, complaints=["--extract full"])
 
     def test_what_is_no_message_is_not_shown_as_one(self):
         for data, words in (b"", "is empty"), (b"\n\n", "is empty"), (bytes.fromhex("ffd8ffe0") + b"\0\nTo: x\n\n", "is no message"), (b"hello\n", "is no message"), (b"milk: 2\nrice: 1\n", "is no message"):
@@ -202,10 +201,10 @@ class ReadTest(unittest.TestCase):
         (self.folder / "bad").write_bytes(b"Subject: two\n\nx\n")
         complaints = ["none: ", "bad: cannot be read as a mail"]
         files = "good", "none", "bad", "good"
-        shown = self.run_it("read", "--strict", *files, status=1, complaints=complaints).decode()
+        shown = self.run_it("read", "--strict", *files, status=65, complaints=complaints).decode()
         self.assertEqual([line for line in shown.splitlines() if "Subject" in line],
                          [" Subject: one", " Subject: two", " Subject: one"])
-        lines = self.run_it("subject", "--strict", *files, status=1, complaints=complaints)
+        lines = self.run_it("subject", "--strict", *files, status=65, complaints=complaints)
         self.assertEqual(lines, b"good\tone\nbad\ttwo\ngood\tone\n")
 
     def test_a_file_is_named_as_it_stands(self):
@@ -216,12 +215,12 @@ class ReadTest(unittest.TestCase):
         for arguments in (["read", ""], ["read", "a", "--extract", ""], ["subject", "a", ""], ["reply", "", "-o", "-"],
                           ["reply", "a", "-o", "-", "--subject", ""], ["reply", "a", "-o", "-", "--body-file", ""],
                           ["send", "--server", "h", "--answer", ""], ["send", "--server", ""], ["write", "-o", ""]):
-            self.run_it(*arguments, status=2, complaints=["is empty"])
+            self.run_it(*arguments, status=64, complaints=["is empty"])
 
     def test_a_file_that_gives_no_message_is_refused_once(self):
         for arguments, words in (["/dev/zero"], "is a device"), (["/dev/stdin"], "cannot be read"):
             result = subprocess.run(["sh", "-c", '"$0" read "$@" <&-', COMMAND, *arguments], capture_output=True, timeout=20)
-            self.assertEqual((result.returncode, result.stderr.decode().count(words)), (1, 1), result.stderr[:500])
+            self.assertEqual((result.returncode, result.stderr.decode().count(words)), (66, 1), result.stderr[:500])
         name = "caf\xe9 %".encode("latin-1")
         (self.folder / os.fsdecode(name)).write_bytes(mail())
         self.assertEqual(self.opened(b"", name)["fileEscaped"], "caf%E9%20%25")
@@ -234,7 +233,7 @@ class ReadTest(unittest.TestCase):
         (self.folder / "small").write_bytes(mail(subject="s"))
         for command, shown in ("read", b" Subject: s\n"), ("subject", b"small\ts\n"):
             out = subprocess.run([*limited, command, "small", "big", "small"], cwd=self.folder, capture_output=True)
-            self.assertEqual((out.returncode, out.stdout.count(shown)), (1, 2))
+            self.assertEqual((out.returncode, out.stdout.count(shown)), (71, 2))
             self.assertEqual(out.stderr, b"mailengine: big: there is not enough memory to read it\n")
 
     def test_nothing_of_the_answered_mail_adds_a_field(self):
@@ -291,9 +290,9 @@ class ReadTest(unittest.TestCase):
 
     def test_reply_never_loses_a_file(self):
         (self.folder / "in").write_bytes(mail())
-        self.run_it("reply", "in", "-o", "in", status=1, complaints=["in: is also the file to write"])
-        self.run_it("reply", "-", "--body-file", "-", "-o", "-", status=2, complaints=["standard input"])
-        self.run_it("reply", "-", "-o", "out", data=b"\n", status=1, complaints=["is empty"])
+        self.run_it("reply", "in", "-o", "in", status=64, complaints=["in: is also the file to write"])
+        self.run_it("reply", "-", "--body-file", "-", "-o", "-", status=64, complaints=["standard input"])
+        self.run_it("reply", "-", "-o", "out", data=b"\n", status=65, complaints=["is empty"])
         self.assertEqual(sorted(os.listdir(self.folder)), ["in", "tmp"])
 
     def test_what_write_makes_read_gives_back_or_write_warns(self):
@@ -326,7 +325,7 @@ class ReadTest(unittest.TestCase):
         self.assertEqual(read[0]["body"], "one ä\r\n>From x\r\n")
         self.assertEqual(Message(self.reply(box, "--message", "2", complaints=["1 character "])).subject(), "Re: two")
         for arguments, words in (["box"], "name one with --message"), (["box", "--message", "4"], "holds 3 messages"):
-            self.run_it("reply", *arguments, "-o", "-", status=2 if "name" in words else 1, complaints=[words])
+            self.run_it("reply", *arguments, "-o", "-", status=64 if "name" in words else 65, complaints=[words])
         with subprocess.Popen([COMMAND, "read", "--json"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
             process.stdin.write(box)
             process.stdin.flush()  # the third may go on

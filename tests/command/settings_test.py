@@ -56,7 +56,7 @@ class SettingsTest(unittest.TestCase):
                 config.write_bytes(b"[user]\n" + (text if isinstance(text, bytes) else text.encode()))
                 status, _, error = self.run_it("write", "--config", config, "-o", "-")
                 self.assertRegex(error, rf"^mailengine: {config}: line {line}: {words}\n$")
-                self.assertEqual(status, 1)
+                self.assertEqual(status, 78)
         config.write_text("from = a@b")
         self.assertIn("line 1: stands in front of the first group", self.run_it("write", "--config", config, "-o", "-")[2])
         config.unlink()

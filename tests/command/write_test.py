@@ -59,13 +59,13 @@ class WriteTest(unittest.TestCase):
         (self.folder / "mail.eml").write_bytes(b"Subject: s\r\nMIME-Version: 1.0\r\n\r\nx\r\n")
         (self.folder / "empty").touch()
         reply = "reply mail.eml --from c@d -o out.eml "
-        for command, status in ((reply + "--body-file - <&-", 1), ("read <&-", 1), ("write -o - >&-", 1),
-                                ("read mail.eml >&-", 1), (reply + "--attach empty <&- >&- 2>&-", 0)):
+        for command, status in ((reply + "--body-file - <&-", 66), ("read <&-", 66), ("write -o - >&-", 73),
+                                ("read mail.eml >&-", 73), (reply + "--attach empty <&- >&- 2>&-", 0)):
             with self.subTest(command):
                 self.out.unlink(missing_ok=True)
                 result = subprocess.run(f"{COMMAND} {command}", shell=True, cwd=self.folder, capture_output=True)
                 self.assertEqual((result.returncode, self.out.exists()), (status, status == 0))
-                self.assertEqual(b"standard" in result.stderr, status == 1, result.stderr)
+                self.assertEqual(b"standard" in result.stderr, status != 0, result.stderr)
         self.assertEqual(Message(self.out.read_bytes()).attachments(), [("empty", b"")])
 
     def test_an_attached_mail_is_one_or_else_a_file(self):
@@ -98,7 +98,7 @@ class WriteTest(unittest.TestCase):
         name = next(iter(names))
         with open(far / name) as file:
             fcntl.flock(file, fcntl.LOCK_EX)
-            self.assert_fails(self.write("--attach", far / name, "-o", "-"), 1, f"--attach {far / name}: is locked")
+            self.assert_fails(self.write("--attach", far / name, "-o", "-"), 66, f"--attach {far / name}: is locked")
 
     def test_help_on_every_level(self):
         for arguments, word in ((["--help"], b"write"), (["write", "--help"], b"--body-file"), (["help"], b"subject"),
@@ -107,7 +107,7 @@ class WriteTest(unittest.TestCase):
             self.assertEqual((result.returncode, result.stderr), (0, b""))
             self.assertIn(word, result.stdout)
 
-    def test_a_wrong_command_line_ends_with_2(self):
+    def test_a_wrong_command_line_is_told_first(self):
         for arguments, word in (
             ([], "a command is missing"), (["wirte", "--to", "x"], "wirte: there is no such command; did you mean write?"),
             (["xyz"], "command; see"), (["help", "raed"], "mean read?"), (["--versoin"], "--versoin: there is no such option"),
@@ -124,7 +124,7 @@ class WriteTest(unittest.TestCase):
             (["reply", "x", "--message", "0x"], "--message: '0x' is no number from 1 up"), (["reply", "-o", "-"], "FILE is missing"),
         ):
             with self.subTest(arguments):
-                self.assert_fails(self.run_it(*arguments), 2, word, "--help")
+                self.assert_fails(self.run_it(*arguments), 64, word, "--help")
 
     def test_refuses_before_anything_is_written(self):
         (self.folder / "body").write_bytes("一\r\n二三𠮷".encode())
@@ -160,10 +160,11 @@ class WriteTest(unittest.TestCase):
             (["--attach", os.fsdecode(b"\xff")], ["its name is not UTF-8"]),
         ):
             with self.subTest(arguments):
-                self.assert_fails(self.write(*arguments, "-o", self.out), 1, *words)
+                isRead = "--body-file" in arguments and "none" in arguments or arguments[1] in ("none", ".", "no/x", "fifo")
+                self.assert_fails(self.write(*arguments, "-o", self.out), 66 if isRead else 65, *words)
                 self.assertFalse(self.out.exists())
         result = self.write("--subject", "a😀\x1b", "--replace", "-o", "-")
-        self.assert_fails(result, 1, "U+001B")
+        self.assert_fails(result, 65, "U+001B")
 
     def test_takes_values_as_they_are(self):
         mail = self.written("-s", "[a,b]", "--body", "--from", "--signature", "-- ", "-t", "a@b", "--to", "<c@d>")
@@ -214,7 +215,7 @@ class WriteTest(unittest.TestCase):
 
         def limit():
             resource.setrlimit(resource.RLIMIT_FSIZE, (100_000, 100_000))
-        self.assert_fails(self.write("--attach", "big", "-o", "link.eml", preexec_fn=limit), 1, "link.eml", "too large")
+        self.assert_fails(self.write("--attach", "big", "-o", "link.eml", preexec_fn=limit), 74, "link.eml", "too large")
         self.assertEqual(self.out.read_text(), "old")
         self.assert_only("big", "link.eml", "out.eml")
         self.assertEqual(self.write("--attach", "big", "-o", "link.eml").returncode, 0)
@@ -230,9 +231,9 @@ class WriteTest(unittest.TestCase):
 
     def test_refuses_targets_that_are_no_place_for_a_message(self):
         (self.folder / "dangling").symlink_to("nowhere")
-        for target, word in (".", "folder"), ("x/", "no file"), ("dangling", "link"), ("no/x", "no/x"):
+        for target, status, word in (".", 73, "folder"), ("x/", 73, "no file"), ("dangling", 73, "link"), ("no/x", 74, "no/x"):
             with self.subTest(target):
-                self.assert_fails(self.write("-o", target), 1, word)
+                self.assert_fails(self.write("-o", target), status, word)
         self.assert_only("dangling")
 
     def test_never_writes_over_an_attachment(self):
@@ -244,7 +245,7 @@ class WriteTest(unittest.TestCase):
                 out = stdout if target in ("/dev/stdout", "-") else subprocess.DEVNULL
                 result = self.write("--attach", "out.eml", "-o", target, capture_output=False, stdout=out,
                                     stderr=subprocess.PIPE)
-                self.assert_fails(result, 1, "--attach out.eml", "-o")
+                self.assert_fails(result, 64, "--attach out.eml", "-o")
                 self.assertEqual(self.out.read_text(), "mine")
 
     def test_a_descriptor_is_written_where_it_stands(self):
@@ -261,11 +262,11 @@ class WriteTest(unittest.TestCase):
                 self.assertTrue(self.out.read_bytes().endswith(b"last\n"))
         with open(self.out, "ab") as stdout:
             result = self.write("-o", "out.eml", capture_output=False, stdout=stdout, stderr=subprocess.PIPE)
-        self.assert_fails(result, 1, "out.eml", "standard output")
+        self.assert_fails(result, 73, "out.eml", "standard output")
         for number in 9, 9999999:
-            self.assert_fails(self.write("-o", f"/dev/fd/{number}"), 1, f"/dev/fd/{number}", "closed")
+            self.assert_fails(self.write("-o", f"/dev/fd/{number}"), 73, f"/dev/fd/{number}", "closed")
         with open(COMMAND, "rb") as stdin:
-            self.assert_fails(self.write("--body", "", "-o", "/dev/stdin", stdin=stdin), 1, "/dev/stdin", "reading alone")
+            self.assert_fails(self.write("--body", "", "-o", "/dev/stdin", stdin=stdin), 73, "/dev/stdin", "reading alone")
 
     def test_waits_for_pipes_that_do_not_block(self):
         text_reader, text = os.pipe()
@@ -288,7 +289,7 @@ class WriteTest(unittest.TestCase):
             self.skipTest("only root can make a file of another owner")
         self.folder.chmod(0o777)
         as_user = {"user": 1001, "group": 1001, "extra_groups": [2000]}
-        for owner, group, mode, status in (1001, 2000, 0o660, 0), (1001, 2001, 0o660, 1), (1000, 2000, 0o660, 1):
+        for owner, group, mode, status in (1001, 2000, 0o660, 0), (1001, 2001, 0o660, 73), (1000, 2000, 0o660, 73):
             with self.subTest(owner=owner, group=group):
                 self.out.write_text("old")
                 os.chown(self.out, owner, group)
@@ -297,7 +298,7 @@ class WriteTest(unittest.TestCase):
                 result = self.write("-o", "out.eml", **as_user)
                 self.assertEqual(result.returncode, status, result.stderr)
                 if status:
-                    self.assert_fails(result, 1, "out.eml", "owner, group", "--in-place")
+                    self.assert_fails(result, 73, "out.eml", "owner, group", "--in-place")
                     self.assertEqual(self.out.read_text(), "old")
                     self.assertEqual(self.write("-o", "out.eml", "--in-place", **as_user).returncode, 0)
                     self.assertEqual(self.out.stat().st_ino, before.st_ino)
@@ -312,7 +313,7 @@ class WriteTest(unittest.TestCase):
         if subprocess.run([*mounted, "true"], cwd=self.folder, capture_output=True).returncode:
             self.skipTest("this system lets nobody mount")
         write = [*mounted, COMMAND, "write", "--from", "a@b.jp", "-o", "out.eml"]
-        for more, status, top in ([], 1, "old"), (["--in-place"], 0, "From: a@b.jp"):
+        for more, status, top in ([], 73, "old"), (["--in-place"], 0, "From: a@b.jp"):
             result = subprocess.run([*write, *more], cwd=self.folder, capture_output=True)
             self.assertEqual((result.returncode, self.out.read_text().split("\n")[0]), (status, top), result.stderr)
             self.assert_only("out.eml")
@@ -324,7 +325,7 @@ class WriteTest(unittest.TestCase):
             cat = subprocess.Popen(["cat"], stdin=subprocess.PIPE, stdout=end)
         result = self.write("--attach", "grown", "-o", "-", capture_output=False, stdout=cat.stdin, stderr=subprocess.PIPE)
         cat.communicate()
-        self.assert_fails(result, 1, "--attach", "grown", "was changed")
+        self.assert_fails(result, 66, "--attach", "grown", "was changed")
         shrunk = self.folder / "shrunk"
         reader, writer = os.pipe()
         shrunk.write_bytes(b"x" * 10_000_000)
@@ -336,25 +337,25 @@ class WriteTest(unittest.TestCase):
             with open(reader, "rb") as pipe:
                 pipe.read()
             self.assertIn(b"shrunk: was changed", process.stderr.read())
-        self.assertEqual(process.returncode, 1)
+        self.assertEqual(process.returncode, 66)
         status = self.written("--attach", "/proc/self/status").attachments()
         self.assertEqual((status[0][0], status[0][1][:5]), ("status", b"Name:"))
         with open(grown) as file:
             fcntl.flock(file, fcntl.LOCK_EX)
-            self.assert_fails(self.write("--attach", "grown", "-o", "-"), 1, "grown", "locked by another program")
+            self.assert_fails(self.write("--attach", "grown", "-o", "-"), 66, "grown", "locked by another program")
 
     def test_notices_that_the_output_takes_no_more(self):
-        self.assert_fails(self.write("-o", "/dev/full"), 1, "/dev/full", "No space left")
+        self.assert_fails(self.write("-o", "/dev/full"), 74, "/dev/full", "No space left")
         with open("/dev/full", "wb") as full:
             for arguments in ["write", "-o", "-"], ["--help"]:
                 result = self.run_it(*arguments, capture_output=False, stdout=full, stderr=subprocess.PIPE)
-                self.assert_fails(result, 1, "standard output")
+                self.assert_fails(result, 74, "standard output")
         reader, writer = os.pipe()
         os.close(reader)
         with open(writer, "wb") as pipe:
             result = self.write("-o", "-", capture_output=False, stdout=pipe, stderr=subprocess.PIPE)
-        self.assert_fails(result, 1, "standard output", "Broken pipe")
-        self.assert_fails(self.write("-o", "-", preexec_fn=lambda: os.close(1)), 1, "standard output", "closed")
+        self.assert_fails(result, 74, "standard output", "Broken pipe")
+        self.assert_fails(self.write("-o", "-", preexec_fn=lambda: os.close(1)), 73, "standard output", "closed")
         self.assertEqual(self.write("-o", "/dev/null").returncode, 0)
         self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
 
