@@ -205,7 +205,7 @@ void MainWindow::OpenDraft(const std::filesystem::path& file) {
 void MainWindow::ShowChosen() {
     Guard(this, [this] {
         const hostkit::MessageList::Entry* const entry = m_list->Chosen();
-        if (entry != nullptr) m_view->Show(m_list->ChosenMessage(), entry->file.filename().native());
+        if (entry != nullptr) m_view->ShowMessage(m_list->ChosenMessage(), entry->file.filename().native());
     });
 }
 

@@ -78,7 +78,7 @@ ReadView::ReadView(wxWindow* parent)
     Clear();
 }
 
-void ReadView::Show(std::string message, const std::string& name) {
+void ReadView::ShowMessage(std::string message, const std::string& name) {
     auto folder = std::make_unique<hostkit::WorkFolder>();
     OpenedMail mail = hostkit::OpenMail(message, {.folder = folder->Path()});
     m_message = std::move(message);

@@ -18,7 +18,7 @@ public:
 
     // Shows the message, which comes byte for byte as its store has it, with its attachments in a folder of the view's
     // own until another is shown. Throws hostkit::Failure.
-    void Show(std::string message, const std::string& name);
+    void ShowMessage(std::string message, const std::string& name);
     void Clear();
     // The message that is shown, empty if none is, and its name for people.
     const std::string& Message() const { return m_message; }
