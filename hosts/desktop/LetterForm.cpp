@@ -32,16 +32,16 @@ std::uintmax_t SizeOf(const std::filesystem::path& file) {
 }  // namespace
 
 const LetterForm::Row LetterForm::kRows[] = {
-    {Field::From, hostkit::Marked("From"), nullptr, &Letter::from, 1},
-    {Field::To, hostkit::Marked("To"), &Letter::to, nullptr, 1},
-    {Field::Cc, hostkit::Marked("Cc"), &Letter::cc, nullptr, 1},
-    {Field::Bcc, hostkit::Marked("Bcc"), &Letter::bcc, nullptr, 1},
-    {Field::Subject, hostkit::Marked("Subject"), nullptr, &Letter::subject, 1},
-    {Field::Dear, hostkit::Marked("Dear"), nullptr, &Letter::dear, 1},
-    {Field::Greeting, hostkit::Marked("Greeting"), nullptr, &Letter::greeting, 1},
-    {Field::Body, hostkit::Marked("Body"), nullptr, &Letter::body, 8},
-    {Field::Closing, hostkit::Marked("Closing"), nullptr, &Letter::closing, 1},
-    {Field::Signature, hostkit::Marked("Signature"), nullptr, &Letter::signature, 3},
+    {Field::From, 1, hostkit::Marked("From"), nullptr, &Letter::from},
+    {Field::To, 1, hostkit::Marked("To"), &Letter::to, nullptr},
+    {Field::Cc, 1, hostkit::Marked("Cc"), &Letter::cc, nullptr},
+    {Field::Bcc, 1, hostkit::Marked("Bcc"), &Letter::bcc, nullptr},
+    {Field::Subject, 1, hostkit::Marked("Subject"), nullptr, &Letter::subject},
+    {Field::Dear, 1, hostkit::Marked("Dear"), nullptr, &Letter::dear},
+    {Field::Greeting, 1, hostkit::Marked("Greeting"), nullptr, &Letter::greeting},
+    {Field::Body, 8, hostkit::Marked("Body"), nullptr, &Letter::body},
+    {Field::Closing, 1, hostkit::Marked("Closing"), nullptr, &Letter::closing},
+    {Field::Signature, 3, hostkit::Marked("Signature"), nullptr, &Letter::signature},
 };
 
 LetterForm::LetterForm(wxWindow* parent)

@@ -30,10 +30,10 @@ private:
     // One row: a field of the letter, which is one line or many, a list of addresses or a text.
     struct Row {
         hostkit::Field field;
+        int lines;
         const char* label;
         std::vector<std::string> hostkit::Letter::*list;
         std::optional<std::string> hostkit::Letter::*text;
-        int lines;
     };
     static const Row kRows[];
 
